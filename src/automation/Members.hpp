@@ -1,0 +1,419 @@
+// Declarative member tables.
+//
+// Each class declares its members once, in its documented slot order:
+//
+//     void TKVector4d::Describe(ClassBuilder<TKVector4d>& b) {
+//       b.Property<&TKVector4d::GetX, &TKVector4d::LetX>("X")
+//        .Method<&TKVector4d::Normalize>("Normalize")
+//        .Method<&TKVector4d::GetPosition>("GetPosition", Names{"X", "Y", "Z"})
+//        .Get<&TKVector4d::Value>("Value").Let<&TKVector4d::LetValue>("Value");
+//     }
+//
+// and the runtime derives everything else from that table: case-insensitive
+// lookup by name, dispatch ids (slot n has id n, id 0 names the default
+// member), argument count checks (449 argument not optional, 450 wrong number
+// of arguments), argument conversion (13), write-back of by-reference
+// outputs, and the descriptions that the Python module and the Windows type
+// library are generated from.  No class writes its own name dispatch.
+//
+// Parameter types and what the caller's argument becomes:
+//   double, float, int32_t, int16_t, uint8_t, bool, std::string, Currency,
+//   Date, Decimal, enums (as Long)   converted by value (Convert.hpp);
+//   Ref<Object>                      an object or Nothing (424 otherwise);
+//   Ref<T>                           an object of class T or Nothing (13 otherwise);
+//   Variant / const Variant&         the argument as it is (a missing optional
+//                                    argument arrives as Variant::Missing());
+//   T& (non-const)                   a by-reference output: converted in,
+//                                    written back after a successful call;
+//   Variant&                         the caller's own variant, read and written
+//                                    in place (arrays that a member fills).
+// Return types: the same value types, Ref<T> (an object), Variant, or void.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "automation/AutomationError.hpp"
+#include "automation/Convert.hpp"
+#include "automation/Object.hpp"
+#include "automation/Variant.hpp"
+
+namespace TessarkAO {
+
+// ---------------------------------------------------------------------------
+// Converters: one per C++ parameter type.
+
+template <class T, class = void>
+struct Converter;
+
+#define TK_SCALAR_CONVERTER(TYPE, VT, LOAD)                            \
+  template <>                                                          \
+  struct Converter<TYPE> {                                             \
+    static constexpr VarType kType = VT;                               \
+    static TYPE Load(const Variant& v) { return LOAD(v); }             \
+    static Variant Store(TYPE x) { return Variant(std::move(x)); }     \
+  };
+TK_SCALAR_CONVERTER(double, VarType::Double, ToDouble)
+TK_SCALAR_CONVERTER(float, VarType::Single, ToSingle)
+TK_SCALAR_CONVERTER(std::int32_t, VarType::Long, ToLong)
+TK_SCALAR_CONVERTER(std::int16_t, VarType::Integer, ToInteger)
+TK_SCALAR_CONVERTER(std::uint8_t, VarType::Byte, ToByte)
+TK_SCALAR_CONVERTER(bool, VarType::Boolean, ToBoolean)
+TK_SCALAR_CONVERTER(std::string, VarType::String, ToString)
+TK_SCALAR_CONVERTER(Currency, VarType::Currency, ToCurrency)
+TK_SCALAR_CONVERTER(Date, VarType::Date, ToDate)
+TK_SCALAR_CONVERTER(Decimal, VarType::Decimal, ToDecimal)
+#undef TK_SCALAR_CONVERTER
+
+template <>
+struct Converter<Variant> {
+  static constexpr VarType kType = VarType::Variant;
+  static Variant Load(const Variant& v) { return v.Deref(); }
+  static Variant Store(Variant x) { return x; }
+};
+
+template <class E>
+struct Converter<E, std::enable_if_t<std::is_enum_v<E>>> {
+  static constexpr VarType kType = VarType::Long;
+  static E Load(const Variant& v) { return static_cast<E>(ToLong(v)); }
+  static Variant Store(E x) { return Variant(static_cast<std::int32_t>(x)); }
+};
+
+template <class T>
+struct Converter<Ref<T>> {
+  static constexpr VarType kType = VarType::Object;
+  static Ref<T> Load(const Variant& v) {
+    Ref<Object> o = ToObject(v);
+    if constexpr (std::is_same_v<T, Object>) {
+      return o;
+    } else {
+      if (!o) return Ref<T>();
+      Ref<T> t = RefCast<T>(o);
+      if (!t) Raise(Err::TypeMismatch);
+      return t;
+    }
+  }
+  static Variant Store(Ref<T> x) { return Variant(std::move(x)); }
+};
+
+// ---------------------------------------------------------------------------
+// Argument holders: how one argument is loaded before the call and written
+// back after it.
+
+template <class P>
+struct ArgHolder {  // by value (and const T&)
+  using T = std::remove_cv_t<std::remove_reference_t<P>>;
+  T value;
+  explicit ArgHolder(Variant& v) : value(Converter<T>::Load(v)) {}
+  T& get() { return value; }
+  void WriteBack(Variant&) {}
+};
+
+template <class T>
+struct ArgHolder<T&> {  // by-reference output
+  T value;
+  explicit ArgHolder(Variant& v) : value(LoadOrDefault(v)) {}
+  static T LoadOrDefault(const Variant& v) {
+    if (v.IsMissing()) return T{};
+    return Converter<T>::Load(v);
+  }
+  T& get() { return value; }
+  void WriteBack(Variant& v) { v.Deref() = Converter<T>::Store(std::move(value)); }
+};
+
+template <>
+struct ArgHolder<Variant&> {
+  Variant* target;
+  explicit ArgHolder(Variant& v) : target(&v.Deref()) {}
+  Variant& get() { return *target; }
+  void WriteBack(Variant&) {}
+};
+
+template <>
+struct ArgHolder<const Variant&> {
+  const Variant* target;
+  explicit ArgHolder(Variant& v) : target(&v.Deref()) {}
+  const Variant& get() { return *target; }
+  void WriteBack(Variant&) {}
+};
+
+template <class P>
+constexpr bool kIsOutput =
+    std::is_lvalue_reference_v<P> && !std::is_const_v<std::remove_reference_t<P>>;
+
+template <class P>
+constexpr VarType ParamType() {
+  return Converter<std::remove_cv_t<std::remove_reference_t<P>>>::kType;
+}
+
+// ---------------------------------------------------------------------------
+// Member function traits.
+
+template <class F>
+struct MemFn;
+template <class C, class R, class... A>
+struct MemFn<R (C::*)(A...)> {
+  using Class = C;
+  using Ret = R;
+  using Args = std::tuple<A...>;
+  static constexpr std::size_t kArity = sizeof...(A);
+};
+template <class C, class R, class... A>
+struct MemFn<R (C::*)(A...) const> : MemFn<R (C::*)(A...)> {};
+template <class C, class R, class... A>
+struct MemFn<R (C::*)(A...) noexcept> : MemFn<R (C::*)(A...)> {};
+template <class C, class R, class... A>
+struct MemFn<R (C::*)(A...) const noexcept> : MemFn<R (C::*)(A...)> {};
+
+using Thunk = Variant (*)(Object* self, std::span<Variant> args);
+
+template <auto Fn, class C, class R, class... A, std::size_t... I>
+Variant CallMember(C* self, std::span<Variant> args, std::index_sequence<I...>) {
+  std::tuple<ArgHolder<A>...> held{ArgHolder<A>(args[I])...};
+  if constexpr (std::is_void_v<R>) {
+    (self->*Fn)(std::get<I>(held).get()...);
+    (std::get<I>(held).WriteBack(args[I]), ...);
+    return Variant();
+  } else {
+    Variant r = Converter<std::remove_cv_t<std::remove_reference_t<R>>>::Store(
+        (self->*Fn)(std::get<I>(held).get()...));
+    (std::get<I>(held).WriteBack(args[I]), ...);
+    return r;
+  }
+}
+
+template <auto Fn, class C, class R, class... A>
+Variant ThunkImpl(Object* self, std::span<Variant> args, R (*)(A...)) {
+  return CallMember<Fn, C, R, A...>(static_cast<C*>(self), args, std::index_sequence_for<A...>{});
+}
+
+template <class R, class... A>
+R (*PlainSignature(std::tuple<A...>*))(A...);
+
+template <auto Fn>
+Variant MemberThunk(Object* self, std::span<Variant> args) {
+  using T = MemFn<decltype(Fn)>;
+  using Sig = decltype(PlainSignature<typename T::Ret>(static_cast<typename T::Args*>(nullptr)));
+  return ThunkImpl<Fn, typename T::Class>(self, args, Sig{});
+}
+
+// ---------------------------------------------------------------------------
+// The type-erased table.
+
+struct ParamInfo {
+  std::string name;
+  VarType type = VarType::Variant;
+  bool output = false;    // written back to the caller
+  bool optional = false;
+  Variant defaultValue;   // Missing when the member sees the omission itself
+};
+
+// One call kind of a member: its thunk and its parameters.
+struct Accessor {
+  Thunk thunk = nullptr;
+  std::vector<ParamInfo> params;
+  std::uint8_t required = 0;  // leading parameters that must be given
+  VarType result = VarType::Empty;  // Empty: no result
+  explicit operator bool() const noexcept { return thunk != nullptr; }
+};
+
+struct MemberInfo {
+  std::string name;
+  DispId id = DispIdUnknown;
+  bool isMethod = false;  // `get` holds a method rather than a property get
+  Accessor get;           // property get or method
+  Accessor let;           // property let (value last)
+  Accessor set;           // property set (object last)
+  std::string doc;
+};
+
+class ClassInfo {
+ public:
+  ClassInfo() = default;
+  ClassInfo(std::string name, std::vector<MemberInfo> members, DispId defaultMember);
+
+  const std::string& Name() const noexcept { return name_; }
+  std::span<const MemberInfo> Members() const noexcept { return members_; }
+  DispId DefaultMember() const noexcept { return default_; }
+
+  // Case-insensitive lookup; DispIdUnknown when absent.
+  DispId Find(std::string_view name) const noexcept;
+  // The member of a dispatch id (0 is the default member); nullptr when none.
+  const MemberInfo* Member(DispId id) const noexcept;
+
+  // Checks the call against the member's table entry, fills omitted optional
+  // arguments and calls the thunk.
+  Variant Invoke(Object* self, DispId id, CallKind kind, std::span<Variant> args) const;
+
+ private:
+  std::string name_;
+  std::vector<MemberInfo> members_;
+  DispId default_ = DispIdUnknown;
+  std::vector<std::int32_t> slots_;  // open-addressing hash of lower-cased names
+  std::uint64_t mask_ = 0;
+};
+
+// FNV-1a over the ASCII-lower-cased bytes of a name.
+std::uint64_t HashNameNoCase(std::string_view name) noexcept;
+bool EqualsNoCase(std::string_view a, std::string_view b) noexcept;
+
+// ---------------------------------------------------------------------------
+// Annotations accepted by the builder after the member's name.
+
+struct Names {  // parameter names, for documentation and the type library
+  std::vector<std::string> names;
+  Names(std::initializer_list<std::string> n) : names(n) {}
+};
+struct Opt {  // defaults of the trailing parameters, last parameter last
+  std::vector<Variant> values;
+  Opt(std::initializer_list<Variant> v) : values(v) {}
+};
+struct Doc {
+  std::string text;
+};
+
+template <class C>
+class ClassBuilder {
+ public:
+  explicit ClassBuilder(std::string name) : name_(std::move(name)) {}
+
+  template <auto Fn, class... Ann>
+  ClassBuilder& Method(std::string_view name, Ann&&... ann) {
+    MemberInfo& m = Slot(name);
+    m.isMethod = true;
+    m.get = MakeAccessor<Fn>(ann...);
+    ApplyDoc(m, ann...);
+    return *this;
+  }
+  template <auto Fn, class... Ann>
+  ClassBuilder& Get(std::string_view name, Ann&&... ann) {
+    MemberInfo& m = Slot(name);
+    m.get = MakeAccessor<Fn>(ann...);
+    ApplyDoc(m, ann...);
+    return *this;
+  }
+  template <auto Fn, class... Ann>
+  ClassBuilder& Let(std::string_view name, Ann&&... ann) {
+    Slot(name).let = MakeAccessor<Fn>(ann...);
+    return *this;
+  }
+  template <auto Fn, class... Ann>
+  ClassBuilder& Set(std::string_view name, Ann&&... ann) {
+    Slot(name).set = MakeAccessor<Fn>(ann...);
+    return *this;
+  }
+  template <auto G, auto L, class... Ann>
+  ClassBuilder& Property(std::string_view name, Ann&&... ann) {
+    Get<G>(name, ann...);
+    return Let<L>(name);
+  }
+  template <auto G, auto S, class... Ann>
+  ClassBuilder& PropertyRef(std::string_view name, Ann&&... ann) {
+    Get<G>(name, ann...);
+    return Set<S>(name);
+  }
+  // Marks the member added last as the default member (dispatch id 0).
+  ClassBuilder& Default() {
+    default_ = static_cast<DispId>(members_.size());
+    return *this;
+  }
+
+  ClassInfo Build() { return ClassInfo(name_, std::move(members_), default_); }
+
+ private:
+  MemberInfo& Slot(std::string_view name) {
+    for (auto& m : members_)
+      if (EqualsNoCase(m.name, name)) return m;
+    MemberInfo& m = members_.emplace_back();
+    m.name = std::string(name);
+    m.id = static_cast<DispId>(members_.size());
+    return m;
+  }
+
+  template <class... Ann>
+  static void ApplyDoc(MemberInfo& m, Ann&... ann) {
+    (
+        [&] {
+          if constexpr (std::is_same_v<std::decay_t<Ann>, Doc>) m.doc = ann.text;
+        }(),
+        ...);
+  }
+
+  template <auto Fn, class... Ann>
+  static Accessor MakeAccessor(Ann&... ann) {
+    using T = MemFn<decltype(Fn)>;
+    static_assert(std::is_base_of_v<typename T::Class, C> || std::is_same_v<typename T::Class, C>,
+                  "member function of another class");
+    static_assert(T::kArity <= 16, "too many parameters");
+    Accessor a;
+    a.thunk = &MemberThunk<Fn>;
+    FillParams(a, static_cast<typename T::Args*>(nullptr));
+    using R = typename T::Ret;
+    if constexpr (!std::is_void_v<R>) a.result = ParamType<R>();
+    a.required = static_cast<std::uint8_t>(a.params.size());
+    (
+        [&] {
+          using AT = std::decay_t<Ann>;
+          if constexpr (std::is_same_v<AT, Names>) {
+            for (std::size_t i = 0; i < ann.names.size() && i < a.params.size(); ++i)
+              a.params[i].name = ann.names[i];
+          } else if constexpr (std::is_same_v<AT, Opt>) {
+            const std::size_t n = ann.values.size();
+            if (n > a.params.size()) throw std::logic_error("more defaults than parameters");
+            a.required = static_cast<std::uint8_t>(a.params.size() - n);
+            for (std::size_t i = 0; i < n; ++i) {
+              ParamInfo& p = a.params[a.required + i];
+              p.optional = true;
+              p.defaultValue = ann.values[i];
+            }
+          }
+        }(),
+        ...);
+    return a;
+  }
+
+  template <class... A>
+  static void FillParams(Accessor& a, std::tuple<A...>*) {
+    (a.params.push_back(ParamInfo{std::string("arg") + std::to_string(a.params.size() + 1),
+                                  ParamType<A>(), kIsOutput<A>, false, Variant()}),
+     ...);
+  }
+
+  std::string name_;
+  std::vector<MemberInfo> members_;
+  DispId default_ = DispIdUnknown;
+};
+
+// ---------------------------------------------------------------------------
+// Base for native classes: provides Class() from the class's Describe.
+//
+//     class TKVector4d final : public Dispatch<TKVector4d> {
+//      public:
+//       static constexpr std::string_view kClassName = "TKVector4d";
+//       static void Describe(ClassBuilder<TKVector4d>& b);
+//     };
+template <class C, class Base = Object>
+class Dispatch : public Base {
+ public:
+  using Base::Base;
+  static const ClassInfo& StaticClass() {
+    static const ClassInfo info = [] {
+      ClassBuilder<C> b{std::string(C::kClassName)};
+      C::Describe(b);
+      return b.Build();
+    }();
+    return info;
+  }
+  const ClassInfo* Class() const noexcept override { return &StaticClass(); }
+};
+
+}  // namespace TessarkAO

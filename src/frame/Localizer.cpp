@@ -1,0 +1,19 @@
+#include "frame/Localizer.hpp"
+
+#include "automation/Catalogue.hpp"
+#include "frame/StringTable.hpp"
+
+namespace TessarkAO {
+
+void Localizer::Describe(ClassBuilder<Localizer>& b) {
+  b.Method<&Localizer::LoadString>("LoadString", Names{"lngStrID"});
+}
+
+std::string Localizer::LoadString(std::int32_t id) {
+  if (auto text = LookupString(id)) return std::string(*text);
+  throw AutomationError(326, "Resource with identifier '" + std::to_string(id) + "' not found");
+}
+
+}  // namespace TessarkAO
+
+TK_REGISTER_CLASS(TessarkAO::Localizer)

@@ -1,0 +1,48 @@
+#include "frame/StringTable.hpp"
+
+#include <array>
+
+namespace TessarkAO {
+
+namespace {
+// The double blanks after full stops (111, 116, 124) and the spelling
+// "deliminated" (111) are part of the texts callers see and compare.
+constexpr std::array<std::pair<std::int32_t, std::string_view>, 24> kStrings = {{
+    {101, "millimeters"},
+    {102, "centimeters"},
+    {103, "meters"},
+    {104, "inches"},
+    {105, "feet"},
+    {106, "yards"},
+    {107, "degrees"},
+    {108, "radians"},
+    {109, "B-Spline Import"},
+    {110, "File"},
+    {111, "Specify the file that contains the fit points for the B-Spline.  The file should either be "
+          "comma, tab or space deliminated and have one fit point per line with an X and Y value."},
+    {112, "Import"},
+    {113, "Cancel"},
+    {114, "Text Files (*.txt)|*.txt|All Files (*.*)|*.*"},
+    {115, "Export BOM to Excel"},
+    {116, "Excel does not seem to be installed on this system.  Unable to export."},
+    {117, "Extrude"},
+    {118, "There must be a scene open to import the B-Spline to."},
+    {119, "B-Spline Import"},
+    {120, "The file does not contain valid B-Spline point data."},
+    {121, "Import of B-Spline completed successfully."},
+    {122, "Sheet Metal"},
+    {123, "Coordinate values for the B-Spline fit points are larger than acceptable limits."},
+    {124, "Import will be canceled.  Please refer to help for further instructions."},
+}};
+}  // namespace
+
+std::optional<std::string_view> LookupString(std::int32_t id) noexcept {
+  if (id < kStrings.front().first || id > kStrings.back().first) return std::nullopt;
+  return kStrings[static_cast<std::size_t>(id - kStrings.front().first)].second;
+}
+
+std::span<const std::pair<std::int32_t, std::string_view>> StringTableEntries() noexcept {
+  return kStrings;
+}
+
+}  // namespace TessarkAO
