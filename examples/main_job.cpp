@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
 #include "automation/Variant.hpp"
