@@ -95,13 +95,25 @@ class Parser {
     return Power();
   }
 
+  // Left-associative, and binding tighter than a sign in front: -2^2 is -4
+  // and 2^3^2 is 64, as in the host's scripting language.  The exponent may
+  // carry its own sign (2^-1).
   double Power() {
-    const double base = Primary();
-    if (Accept('^')) {
-      const double exponent = Unary();
-      return resolve_ ? Checked::Pow(base, exponent) : base;
+    double v = Primary();
+    while (Accept('^')) {
+      Depth guard(depth_);
+      double sign = 1.0;
+      for (;;) {
+        if (Accept('-')) {
+          sign = -sign;
+        } else if (!Accept('+')) {
+          break;
+        }
+      }
+      const double exponent = sign * Primary();
+      v = resolve_ ? Checked::Pow(v, exponent) : v;
     }
-    return base;
+    return v;
   }
 
   double Primary() {

@@ -585,6 +585,21 @@ Ref<Object> LoadText(const std::string& text, const std::string& source) {
     const auto [line, column] = LineAndColumn(text, e.byte);
     Raise(kInvalidFileFormat,
           source + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + what);
+  } catch (const Json::exception& e) {
+    // A number too large for a double: the message quotes it, which places it.
+    std::string what = e.what();
+    if (const std::size_t bracket = what.find("] "); bracket != std::string::npos) what = what.substr(bracket + 2);
+    std::string place = source;
+    const std::size_t q1 = what.find('\'');
+    const std::size_t q2 = q1 == std::string::npos ? q1 : what.find('\'', q1 + 1);
+    if (q2 != std::string::npos) {
+      const std::size_t at = text.find(what.substr(q1 + 1, q2 - q1 - 1));
+      if (at != std::string::npos) {
+        const auto [line, column] = LineAndColumn(text, at + 1);
+        place += ":" + std::to_string(line) + ":" + std::to_string(column);
+      }
+    }
+    Raise(kInvalidFileFormat, place + ": " + what);
   }
   Loader loader(source);
   return loader.Load(doc);

@@ -348,7 +348,7 @@ void HostShape::ResetSizeBox() {
   if (flat) {
     double zlo = 0.0, zhi = 0.0;
     if (const HostComponent* e = First(ComponentType::Extrude)) {
-      zlo = -e->Vars().Number(56);
+      zlo = 0.0 - e->Vars().Number(56);  // 0 - 0 is +0: an unextruded side is not -0
       zhi = e->Vars().Number(55);
     } else if (const HostComponent* e = First(ComponentType::SMExtrude)) {
       zhi = e->Vars().Number(55);

@@ -88,7 +88,8 @@ bool VarSlot::IsInitial() const {
   if (!def) return false;
   if (!Expression().empty()) return false;
   if (type == VarType::String) return !extra || extra->text.empty();
-  return num == def->initial;
+  // Bit for bit, so that a saved -0 comes back as -0.
+  return num == def->initial && std::signbit(num) == std::signbit(def->initial);
 }
 
 VarTable::VarTable(std::span<const VarDef> defs) {
