@@ -34,6 +34,14 @@ const T* Entry(const std::vector<T>& array, std::int32_t count, std::int32_t ind
   return Entry(const_cast<std::vector<T>&>(array), count, index);
 }
 
+// A point entry as X and Y; both 0 outside 1..count.
+void ReadPoint(const std::vector<std::array<double, 2>>& array, std::int32_t count, std::int32_t index,
+               double& x, double& y) {
+  const std::array<double, 2>* p = Entry(array, count, index);
+  x = p ? (*p)[0] : 0.0;
+  y = p ? (*p)[1] : 0.0;
+}
+
 }  // namespace
 
 void TKCurve::Describe(ClassBuilder<TKCurve>& b) {
@@ -91,9 +99,7 @@ void TKCurve::SetWeight(std::int32_t index, double weight) {
 }
 
 void TKCurve::GetFitPoint(std::int32_t index, double& x, double& y) const {
-  const Point* p = Entry(fitPoints_, fitPointCount_, index);
-  x = p ? (*p)[0] : 0.0;
-  y = p ? (*p)[1] : 0.0;
+  ReadPoint(fitPoints_, fitPointCount_, index, x, y);
 }
 
 void TKCurve::SetFitPoint(std::int32_t index, double x, double y) {
@@ -101,9 +107,7 @@ void TKCurve::SetFitPoint(std::int32_t index, double x, double y) {
 }
 
 void TKCurve::GetControlPoint(std::int32_t index, double& x, double& y) const {
-  const Point* p = Entry(controlPoints_, controlPointCount_, index);
-  x = p ? (*p)[0] : 0.0;
-  y = p ? (*p)[1] : 0.0;
+  ReadPoint(controlPoints_, controlPointCount_, index, x, y);
 }
 
 void TKCurve::SetControlPoint(std::int32_t index, double x, double y) {

@@ -9,6 +9,7 @@
 #include "profiles/TKProfile.hpp"
 
 #include <array>
+#include <span>
 #include <cmath>
 #include <utility>
 
@@ -89,57 +90,58 @@ void ReadBSpline(const Variant& c, TKCurve& k) {
              &TKCurve::SetWeight);
 }
 
+// The reading table: which variable of a path curve fills which field, by
+// type code.  Lines read X and Y, Beziers all their values, as the variable's
+// default value; the rest through Value (the number is the same).
+struct FieldRead {
+  std::int32_t variable;
+  void (TKCurve::*let)(double);
+  bool byDefault;
+};
+
+std::span<const FieldRead> FieldsOfType(std::int32_t type) {
+  using K = TKCurve;
+  static constexpr FieldRead kFillet[] = {{1, &K::LetX, false},       {2, &K::LetY, false},
+                                          {3, &K::LetRadius, false},  {5, &K::LetCenterX, false},
+                                          {6, &K::LetCenterY, false}};
+  static constexpr FieldRead kLine[] = {{1, &K::LetX, true},
+                                        {2, &K::LetY, true},
+                                        {9, &K::LetStartTrim, false},
+                                        {10, &K::LetEndTrim, false}};
+  static constexpr FieldRead kArc[] = {{1, &K::LetX, false},         {2, &K::LetY, false},
+                                       {3, &K::LetStartTrim, false}, {4, &K::LetEndTrim, false},
+                                       {8, &K::LetAngleMajor, false}, {9, &K::LetHFactor, false},
+                                       {10, &K::LetEccentricity, false}};
+  static constexpr FieldRead kBezier[] = {{1, &K::LetX, true},        {2, &K::LetY, true},
+                                          {3, &K::LetTan1X, true},    {4, &K::LetTan1Y, true},
+                                          {5, &K::LetTan2X, true},    {6, &K::LetTan2Y, true},
+                                          {9, &K::LetStartTrim, true}, {10, &K::LetEndTrim, true}};
+  // The ellipse's centre goes to CenterX/CenterY, not to X/Y; its minor
+  // value (variable 9) is read unit-aware on its own.
+  static constexpr FieldRead kEllipse[] = {{1, &K::LetCenterX, false},
+                                           {2, &K::LetCenterY, false},
+                                           {3, &K::LetXPtOnCurve, false},
+                                           {4, &K::LetYPtOnCurve, false}};
+  static constexpr FieldRead kBSpline[] = {{1, &K::LetX, false}, {2, &K::LetY, false}};
+  switch (type) {
+    case TKCurveType_Fillet: return kFillet;
+    case TKCurveType_Line: return kLine;
+    case TKCurveType_Arc: return kArc;
+    case TKCurveType_Bezier: return kBezier;
+    case TKCurveType_Ellipse: return kEllipse;
+    case TKCurveType_BSpline: return kBSpline;
+    default: return {};  // an unknown kind keeps only its CurveType
+  }
+}
+
 // Fills curve `k` from the variables of curve j of path `p` by its type code.
 void ReadCurve(Reader& reader, const Variant& p, std::int32_t j, const Variant& c, TKCurve& k) {
-  switch (k.GetCurveType()) {
-    case TKCurveType_Fillet:
-      k.LetX(ValueOf(p, j, 1));
-      k.LetY(ValueOf(p, j, 2));
-      k.LetRadius(ValueOf(p, j, 3));
-      k.LetCenterX(ValueOf(p, j, 5));
-      k.LetCenterY(ValueOf(p, j, 6));
-      break;
-    case TKCurveType_Line:
-      k.LetX(DefaultOf(p, j, 1));
-      k.LetY(DefaultOf(p, j, 2));
-      k.LetStartTrim(ValueOf(p, j, 9));
-      k.LetEndTrim(ValueOf(p, j, 10));
-      break;
-    case TKCurveType_Arc:
-      k.LetX(ValueOf(p, j, 1));
-      k.LetY(ValueOf(p, j, 2));
-      k.LetStartTrim(ValueOf(p, j, 3));
-      k.LetEndTrim(ValueOf(p, j, 4));
-      k.LetAngleMajor(ValueOf(p, j, 8));
-      k.LetHFactor(ValueOf(p, j, 9));
-      k.LetEccentricity(ValueOf(p, j, 10));
-      break;
-    case TKCurveType_Bezier:
-      k.LetX(DefaultOf(p, j, 1));
-      k.LetY(DefaultOf(p, j, 2));
-      k.LetTan1X(DefaultOf(p, j, 3));
-      k.LetTan1Y(DefaultOf(p, j, 4));
-      k.LetTan2X(DefaultOf(p, j, 5));
-      k.LetTan2Y(DefaultOf(p, j, 6));
-      k.LetStartTrim(DefaultOf(p, j, 9));
-      k.LetEndTrim(DefaultOf(p, j, 10));
-      break;
-    case TKCurveType_Ellipse:
-      // An ellipse's centre goes to CenterX/CenterY here, not to X/Y.
-      k.LetCenterX(ValueOf(p, j, 1));
-      k.LetCenterY(ValueOf(p, j, 2));
-      k.LetXPtOnCurve(ValueOf(p, j, 3));
-      k.LetYPtOnCurve(ValueOf(p, j, 4));
-      k.LetMinorHeight(reader.ReadVariableInSystemUnits(PathVariable(p, j, 9)));
-      break;
-    case TKCurveType_BSpline:
-      k.LetX(ValueOf(p, j, 1));
-      k.LetY(ValueOf(p, j, 2));
-      ReadBSpline(c, k);
-      break;
-    default:
-      break;  // an unknown kind keeps only its CurveType
-  }
+  for (const FieldRead& f : FieldsOfType(k.GetCurveType()))
+    (k.*f.let)(f.byDefault ? DefaultOf(p, j, f.variable) : ValueOf(p, j, f.variable));
+  if (k.GetCurveType() == TKCurveType_Ellipse)
+    k.LetMinorHeight(reader.ReadVariableInSystemUnits(PathVariable(p, j, 9)));
+  else if (k.GetCurveType() == TKCurveType_BSpline)
+    ReadBSpline(c, k);
 }
 
 // Draws a B-spline curve: the segment to (X, Y), then its definition from the
@@ -171,25 +173,19 @@ void WriteBSpline(const Variant& p, const TKCurve& k) {
   s.Invoke("SetDefinition", CallKind::Method, args);
 }
 
-// Coordinate variables of a path curve, by its type code: the variable
-// numbers the reader takes X-like (X, CenterX, Tan1X, Tan2X, XPtOnCurve) and
-// Y-like values from.  Trims, radii, angles and factors are not coordinates
-// and stay parameterized; B-spline points are not path variables.
-struct CoordinateVariables {
-  std::array<std::int32_t, 3> x{};
-  std::array<std::int32_t, 3> y{};
-};
+// Which coordinate a field of the reading table is: the X-like fields (X,
+// CenterX, Tan1X, Tan2X, XPtOnCurve) and the Y-like ones.  Trims, radii,
+// angles and factors are not coordinates and keep their expressions;
+// B-spline points are not path variables.
+enum class Axis { None, X, Y };
 
-CoordinateVariables CoordinatesOfType(std::int32_t type) {
-  switch (type) {
-    case TKCurveType_Fillet: return {{1, 5, 0}, {2, 6, 0}};    // end point, centre
-    case TKCurveType_Line: return {{1, 0, 0}, {2, 0, 0}};      // end point
-    case TKCurveType_Arc: return {{1, 0, 0}, {2, 0, 0}};       // end point
-    case TKCurveType_Bezier: return {{1, 3, 5}, {2, 4, 6}};    // end point, both tangent points
-    case TKCurveType_Ellipse: return {{1, 3, 0}, {2, 4, 0}};   // centre, point on the curve
-    case TKCurveType_BSpline: return {{1, 0, 0}, {2, 0, 0}};   // end point
-    default: return {};
-  }
+Axis AxisOfField(void (TKCurve::*let)(double)) {
+  using K = TKCurve;
+  for (auto x : {&K::LetX, &K::LetCenterX, &K::LetTan1X, &K::LetTan2X, &K::LetXPtOnCurve})
+    if (let == x) return Axis::X;
+  for (auto y : {&K::LetY, &K::LetCenterY, &K::LetTan1Y, &K::LetTan2Y, &K::LetYPtOnCurve})
+    if (let == y) return Axis::Y;
+  return Axis::None;
 }
 
 // Reassigns a variable's current value to it, replacing any expression.
@@ -329,25 +325,24 @@ void TKProfile::DeparameterizeProfile(Ref<Object> pathComponents, TKDeparameteri
   // Any other option value selects no coordinate, so nothing is touched.
   if (options != TKDeparameterizeAll && options != TKDeparameterizeXAxis && options != TKDeparameterizeYAxis)
     return;
-  const bool fixX = options != TKDeparameterizeYAxis;
-  const bool fixY = options != TKDeparameterizeXAxis;
-  auto fix = [&](const Variant& p, std::int32_t curve, const CoordinateVariables& vars) {
-    // Within a curve the variables are fixed in ascending number order.
-    for (std::size_t i = 0; i < vars.x.size(); ++i) {
-      if (vars.x[i] != 0 && fixX) FixVariable(p, curve, vars.x[i]);
-      if (vars.y[i] != 0 && fixY) FixVariable(p, curve, vars.y[i]);
-    }
+  auto selected = [options](Axis axis) {
+    return axis != Axis::None && (options == TKDeparameterizeAll ||
+                                  axis == (options == TKDeparameterizeXAxis ? Axis::X : Axis::Y));
   };
   const Variant paths(std::move(pathComponents));
   const std::int32_t count = ToLong(paths.Get("Count"));
   for (std::int32_t i = 1; i <= count; ++i) {
     const Variant p = paths.Call("Item", i);
-    fix(p, 0, CoordinateVariables{{1, 0, 0}, {2, 0, 0}});  // the start point
+    // The start point is X variable 1 and Y variable 2 of curve 0; a curve's
+    // coordinates are those of the reading table, in ascending number order.
+    if (selected(Axis::X)) FixVariable(p, 0, 1);
+    if (selected(Axis::Y)) FixVariable(p, 0, 2);
     const Variant curves = p.Get("Curves");
     const std::int32_t curveCount = ToLong(curves.Get("Count"));
     for (std::int32_t j = 1; j <= curveCount; ++j) {
       const std::int32_t type = ToLong(curves.Call("Item", j).Get("Type"));
-      fix(p, j, CoordinatesOfType(type));
+      for (const FieldRead& f : FieldsOfType(type))
+        if (selected(AxisOfField(f.let))) FixVariable(p, j, f.variable);
     }
   }
 }
