@@ -5,7 +5,8 @@
 // (UserInterface::MessageBox, Localizer::LoadString) in the translation units
 // that see them.  Every Windows translation unit includes the system headers
 // through this file, which removes those macros again; code here calls the
-// explicit A or W functions.
+// explicit A or W functions.  (GetClassInfo stays: the system's interface
+// IProvideClassInfo was declared through it.)
 #pragma once
 
 #ifndef NOMINMAX
@@ -29,7 +30,6 @@
 #undef CreateWindow
 #undef GetObject
 #undef GetClassName
-#undef GetClassInfo
 #undef RegisterClass
 #undef DrawText
 #undef CreateFont
