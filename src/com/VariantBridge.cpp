@@ -222,6 +222,8 @@ Variant FromVariant(const VARIANT& v) {
     return FromData(vt & VT_TYPEMASK, V_BYREF(&v));
   }
   if (vt == VT_VARIANT) Raise(Err::TypeMismatch);  // a plain VT_VARIANT is not a value
+  // A DECIMAL overlays the whole VARIANT; every other value sits in its union.
+  if (vt == VT_DECIMAL) return Variant(FromDECIMAL(V_DECIMAL(&v)));
   return FromData(vt, &v.lVal);
 }
 
