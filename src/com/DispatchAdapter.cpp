@@ -270,9 +270,19 @@ HRESULT DispatchAdapter::Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPA
     kind = CallKind::Method;
   }
 
-  std::array<Variant, kMaxArgs> args;
-  std::array<VARIANT*, kMaxArgs> from{};
-  for (std::size_t i = 0; i < count; ++i) args[i] = Variant::Missing();
+  // Only the arguments in use are constructed (this is the hot path).
+  alignas(Variant) unsigned char storage[kMaxArgs * sizeof(Variant)];
+  Variant* args = reinterpret_cast<Variant*>(storage);
+  for (std::size_t i = 0; i < count; ++i) new (&args[i]) Variant(Variant::Missing());
+  struct Destroy {
+    Variant* args;
+    std::size_t count;
+    ~Destroy() {
+      for (std::size_t i = 0; i < count; ++i) args[i].~Variant();
+    }
+  } destroy{args, count};
+  std::array<VARIANT*, kMaxArgs> from;
+  for (std::size_t i = 0; i < count; ++i) from[i] = nullptr;
   auto load = [&](std::size_t position, UINT index) -> bool {
     VARIANT* v = &params->rgvarg[index];
     try {
@@ -294,7 +304,7 @@ HRESULT DispatchAdapter::Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPA
   }
 
   try {
-    Variant r = object_->InvokeId(id, kind, std::span<Variant>(args.data(), count));
+    Variant r = object_->InvokeId(id, kind, std::span<Variant>(args, count));
     // Outputs go back to the caller's by-reference arguments.
     const Accessor* acc = nullptr;
     if (member) {
