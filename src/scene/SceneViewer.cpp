@@ -148,10 +148,16 @@ void SceneViewer::SelectComponent(std::int32_t index) {
 }
 
 std::string SceneViewer::VariableLabel(std::int32_t index, std::int32_t itemType, std::string_view itemName) {
-  const std::string bracket = "[" + std::to_string(index) + "]";
-  if (itemType == Host::ComponentType::Variable) return bracket + " Variable";
+  std::string label = "[";
+  label += std::to_string(index);
+  if (itemType == Host::ComponentType::Variable) {
+    label += "] Variable";
+    return label;
+  }
   // An unnamed item reads with two blanks after the bracket, as users know it.
-  return bracket + " " + (itemName.empty() ? std::string(" <No Name>") : std::string(itemName));
+  label += "] ";
+  label += itemName.empty() ? std::string_view(" <No Name>") : itemName;
+  return label;
 }
 
 std::vector<std::string> SceneViewer::VariableDetail(std::int32_t index) const {
