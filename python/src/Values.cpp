@@ -149,6 +149,23 @@ py::object DecimalToPython(const Decimal& d) {
   return PythonDecimal(ScaledText(m, d.scale, d.negative));
 }
 
+// decimal.Decimal to Currency exactly, rounding half to even at 4 decimals
+// (the general conversion would pass through a Double); 6 out of range.
+Currency CurrencyFromPython(py::handle o) {
+  py::module_ decimal = py::module_::import("decimal");
+  try {
+    py::object scaled = o.attr("scaleb")(4).attr("to_integral_value")(py::arg("rounding") = decimal.attr("ROUND_HALF_EVEN"));
+    const py::int_ n(scaled);
+    int overflow = 0;
+    const long long v = PyLong_AsLongLongAndOverflow(n.ptr(), &overflow);
+    if (overflow) Raise(Err::Overflow);
+    return Currency{v};
+  } catch (py::error_already_set& e) {
+    if (e.matches(PyExc_ArithmeticError) || e.matches(PyExc_ValueError)) Raise(Err::Overflow);  // NaN, infinity
+    throw;
+  }
+}
+
 // decimal.Decimal to Decimal: exact when it fits; beyond 28 decimals, or
 // beyond 96 bits with decimals to spare, it is rounded half to even one
 // digit at a time; a value that still does not fit raises 6.
@@ -356,7 +373,10 @@ void RegisterTyped(py::module_& m, const char* name, const char* doc) {
       }))
       .def(py::init([](py::handle x) {
              Typed<T> t;
-             t.value = ChangeType(ToVariant(x), T);
+             if (T == VarType::Currency && PyObject_IsInstance(x.ptr(), g.decimalType) == 1)
+               t.value = Variant(CurrencyFromPython(x));
+             else
+               t.value = ChangeType(ToVariant(x), T);
              return t;
            }),
            py::arg("value"));
