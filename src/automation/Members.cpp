@@ -115,6 +115,28 @@ Variant ClassInfo::Invoke(Object* self, DispId id, CallKind kind, std::span<Vari
     return o->InvokeId(DispIdValue, kind, args);
   }
 
+  if (acc->paramArray && !put) {
+    // The fixed parameters as usual, then every remaining argument packed
+    // into one array of Variant with lower bound 0.
+    const std::size_t fixed = total - 1;
+    if (n < acc->required) Raise(Err::ArgumentNotOptional);
+    std::array<Variant, kMaxArgs> local;
+    for (std::size_t i = 0; i < fixed; ++i) {
+      if (i < n && !args[i].IsMissing()) {
+        local[i] = Variant::ByRef(args[i]);
+      } else {
+        if (i < acc->required) Raise(Err::ArgumentNotOptional);
+        local[i] = acc->params[i].defaultValue;
+      }
+    }
+    const std::size_t extra = n > fixed ? n - fixed : 0;
+    SafeArray list =
+        SafeArray::Vector(VarType::Variant, 0, static_cast<std::int32_t>(extra) - 1);
+    for (std::size_t i = 0; i < extra; ++i) list.Data()[i] = args[fixed + i].Deref();
+    local[fixed] = Variant(std::move(list));
+    return CallThunk(*acc, self, std::span<Variant>(local.data(), total));
+  }
+
   if (n > total) Raise(Err::WrongArgumentCount);
   if (put && n != total) Raise(Err::WrongArgumentCount);
   if (n < acc->required) Raise(Err::ArgumentNotOptional);

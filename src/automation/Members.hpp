@@ -26,7 +26,9 @@
 //   T& (non-const)                   a by-reference output: converted in,
 //                                    written back after a successful call;
 //   Variant&                         the caller's own variant, read and written
-//                                    in place (arrays that a member fills).
+//                                    in place (arrays that a member fills);
+//   ParamArray (last parameter)      a trailing variable-length argument list:
+//                                    every argument from its position on.
 // Return types: the same value types, Ref<T> (an object), Variant, or void.
 #pragma once
 
@@ -105,6 +107,24 @@ struct Converter<Ref<T>> {
   static Variant Store(Ref<T> x) { return Variant(std::move(x)); }
 };
 
+// A trailing variable-length argument list, as the classic ParamArray hands it
+// over: the caller's arguments from this position on, in order, as a
+// one-dimensional array of Variant with lower bound 0 (bounds 0 to -1 when no
+// argument is given).  Only the last parameter of a member may be one.
+struct ParamArray {
+  SafeArray items = SafeArray::Vector(VarType::Variant, 0, -1);
+};
+
+template <>
+struct Converter<ParamArray> {
+  static constexpr VarType kType = VarType::Variant;
+  static ParamArray Load(const Variant& v) {
+    if (!v.IsArray()) Raise(Err::TypeMismatch);
+    return ParamArray{v.AsArray()};
+  }
+  static Variant Store(ParamArray x) { return Variant(std::move(x.items)); }
+};
+
 // ---------------------------------------------------------------------------
 // Argument holders: how one argument is loaded before the call and written
 // back after it.
@@ -128,6 +148,11 @@ struct ArgHolder<T&> {  // by-reference output
   }
   T& get() { return value; }
   void WriteBack(Variant& v) { v.Deref() = Converter<T>::Store(std::move(value)); }
+};
+
+template <class T>
+struct ArgHolder<const T&> : ArgHolder<T> {  // read-only reference: loaded by value
+  using ArgHolder<T>::ArgHolder;
 };
 
 template <>
@@ -215,6 +240,7 @@ struct ParamInfo {
   bool output = false;    // written back to the caller
   bool optional = false;
   Variant defaultValue;   // Missing when the member sees the omission itself
+  bool paramArray = false;  // takes every remaining argument (last parameter only)
 };
 
 // One call kind of a member: its thunk and its parameters.
@@ -223,6 +249,7 @@ struct Accessor {
   std::vector<ParamInfo> params;
   std::uint8_t required = 0;  // leading parameters that must be given
   VarType result = VarType::Empty;  // Empty: no result
+  bool paramArray = false;    // the last parameter collects the remaining arguments
   explicit operator bool() const noexcept { return thunk != nullptr; }
 };
 
@@ -247,6 +274,13 @@ class ClassInfo {
 
   // Case-insensitive lookup; DispIdUnknown when absent.
   DispId Find(std::string_view name) const noexcept;
+  // The parameterless property get or method of slot `id` (1-based, not the
+  // default member), or nullptr: the common call that needs no checks.
+  Thunk PlainGetter(DispId id) const noexcept {
+    if (id < 1 || static_cast<std::size_t>(id) > members_.size()) return nullptr;
+    const Accessor& a = members_[static_cast<std::size_t>(id - 1)].get;
+    return a.params.empty() ? a.thunk : nullptr;
+  }
   // The member of a dispatch id (0 is the default member); nullptr when none.
   const MemberInfo* Member(DispId id) const noexcept;
 
@@ -360,6 +394,14 @@ class ClassBuilder {
     using R = typename T::Ret;
     if constexpr (!std::is_void_v<R>) a.result = ParamType<R>();
     a.required = static_cast<std::uint8_t>(a.params.size());
+    if constexpr (T::kArity > 0) {
+      using Last = std::remove_cvref_t<std::tuple_element_t<T::kArity - 1, typename T::Args>>;
+      if constexpr (std::is_same_v<Last, ParamArray>) {
+        a.paramArray = true;
+        a.params.back().paramArray = true;
+        a.required = static_cast<std::uint8_t>(a.params.size() - 1);
+      }
+    }
     (
         [&] {
           using AT = std::decay_t<Ann>;
@@ -414,6 +456,24 @@ class Dispatch : public Base {
     return info;
   }
   const ClassInfo* Class() const noexcept override { return &StaticClass(); }
+
+  DispId GetDispId(std::string_view name) const override { return StaticClass().Find(name); }
+
+  // Property gets and methods without arguments, by far the most frequent
+  // calls, go straight to their thunk; everything else through the checks.
+  Variant InvokeId(DispId id, CallKind kind, std::span<Variant> args) override {
+    const ClassInfo& info = StaticClass();
+    if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) {
+      if (Thunk t = info.PlainGetter(id)) return t(this, args);
+    }
+    return info.Invoke(this, id, kind, args);
+  }
+
+  Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
+    const DispId id = StaticClass().Find(name);
+    if (id == DispIdUnknown) Raise(Err::NoSuchMember);
+    return Dispatch::InvokeId(id, kind, args);
+  }
 };
 
 }  // namespace TessarkAO
