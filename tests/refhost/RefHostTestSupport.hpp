@@ -63,7 +63,8 @@ inline double GetVar(const Variant& shape, int type, int n) {
 }
 
 // Calls a member whose arguments are by-reference Doubles and returns them.
-inline std::vector<double> CallDoubles(const Variant& obj, std::string_view member, std::vector<Variant> args) {
+inline std::vector<double> CallDoubles(const Variant& obj, std::string_view member,
+                                       std::vector<Variant> args) {
   obj.Invoke(member, CallKind::Method, args);
   std::vector<double> out;
   for (const Variant& a : args)
@@ -83,8 +84,8 @@ inline std::vector<double> Up(const Variant& shape, const Pose& p) {
 
 inline std::vector<double> Down(const Variant& shape, const Variant& child, const Pose& p) {
   return CallDoubles(shape, "GetPointTransformDown",
-                     {child, Variant(p.x), Variant(p.y), Variant(p.z), Variant(p.ax), Variant(p.ay), Variant(p.az),
-                      Variant(p.angle)});
+                     {child, Variant(p.x), Variant(p.y), Variant(p.z), Variant(p.ax), Variant(p.ay),
+                      Variant(p.az), Variant(p.angle)});
 }
 
 // A scene of nested assemblies and parts with leaves of several kinds, every
@@ -103,7 +104,8 @@ inline RandomScene MakeRandomScene(std::mt19937& rng, int count, bool placements
   std::uniform_real_distribution<double> pos(-100.0, 100.0), unit(-1.0, 1.0), deg(-360.0, 360.0);
   const int leafKinds[] = {5, 9, 11, 2};
   for (int i = 0; i < count; ++i) {
-    const Variant parent = containers[std::uniform_int_distribution<std::size_t>(0, containers.size() - 1)(rng)];
+    const Variant parent =
+        containers[std::uniform_int_distribution<std::size_t>(0, containers.size() - 1)(rng)];
     const bool container = std::uniform_int_distribution<int>(0, 2)(rng) == 0;
     int kind = leafKinds[std::uniform_int_distribution<int>(0, 3)(rng)];
     if (container) kind = std::uniform_int_distribution<int>(0, 1)(rng) ? 1 : 3;

@@ -1,7 +1,8 @@
 // Variable formulas: the language, references to other components of the
 // shape, re-evaluation, and the errors a bad formula raises.
-#include "RefHostTestSupport.hpp"
 #include "refhost/Expression.hpp"
+
+#include "RefHostTestSupport.hpp"
 
 using namespace TessarkAO;
 using namespace TessarkAO::RefHostTest;
@@ -24,11 +25,22 @@ TEST(Expression, ArithmeticFollowsTheUsualPrecedence) {
     const char* text;
     double value;
   } rows[] = {
-      {"1 + 2 * 3", 7},        {"(1 + 2) * 3", 9},     {"10 - 4 - 3", 3},   {"12 / 4 / 3", 1},
-      {"-2^2", -4},            {"2^3^2", 64},          {"2^-1", 0.5},       {"--3", 3},
-      {"-(2 + 3) * +2", -10},  {"1.5e2", 150},         {".5", 0.5},         {"  7  ", 7},
-      {"(Sizebox\\Length * 0.5)", 5},                  {"sizebox \\ LENGTH - h", 6},
-      {"SM Part\\2 * 8", 2},   {"h^0.5", 2},
+      {"1 + 2 * 3", 7},
+      {"(1 + 2) * 3", 9},
+      {"10 - 4 - 3", 3},
+      {"12 / 4 / 3", 1},
+      {"-2^2", -4},
+      {"2^3^2", 64},
+      {"2^-1", 0.5},
+      {"--3", 3},
+      {"-(2 + 3) * +2", -10},
+      {"1.5e2", 150},
+      {".5", 0.5},
+      {"  7  ", 7},
+      {"(Sizebox\\Length * 0.5)", 5},
+      {"sizebox \\ LENGTH - h", 6},
+      {"SM Part\\2 * 8", 2},
+      {"h^0.5", 2},
   };
   for (const Row& r : rows) EXPECT_DOUBLE_EQ(Eval(r.text), r.value) << r.text;
 }

@@ -100,9 +100,12 @@ TEST(Model, ShapesAddedByKindCarryTheirComponents) {
   Variant shapes = root.Get("Components", 2).Call("Item", 1).Get("Shapes");
   EXPECT_EQ(ToLong(shapes.Get("Count")), 6);
   EXPECT_EQ(ToString(shapes.Call("Item", 2).Get("Name")), "Part");
-  EXPECT_EQ(ErrorOf([&] { shapes.Call("Add"); }), 5);   // no kind given
+  EXPECT_EQ(ErrorOf([&] { shapes.Call("Add"); }), 5);  // no kind given
   EXPECT_EQ(ErrorOf([&] { root.Get("Components", 2).Call("Item", 1).Get("Shapes", 99).Call("Add"); }), 5);
   EXPECT_EQ(ErrorOf([&] { shapes.Call("Item", 7); }), 9);
+  Variant deep = root;
+  for (int i = 0; i < 1000; ++i) deep = AddShape(deep, 1);
+  EXPECT_EQ(ErrorOf([&] { AddShape(deep, 1); }), 5);
   EXPECT_EQ(ErrorOf([&] { shapes.Call("Item", 0); }), 9);
 }
 
@@ -190,7 +193,8 @@ TEST(Model, FinishBendAndFaceComponents) {
   EXPECT_EQ(ToLong(Comp(part, 7).Call("Variable", 5)), 255);
   EXPECT_TRUE(ToBoolean(Comp(part, 7).Get("SurfaceFinish").Get("Metallic")));
   EXPECT_EQ(ErrorOf([&] { finish.Let("SurfaceColor", std::int32_t{0x1000000}); }), 5);
-  EXPECT_EQ(ErrorOf([&] { finish.Let("HighlightColor", std::int32_t{1}); }), 438);  // the host spells it Highlights
+  EXPECT_EQ(ErrorOf([&] { finish.Let("HighlightColor", std::int32_t{1}); }),
+            438);  // the host spells it Highlights
 
   Variant bend = Comp(AddShape(part, 14), 66);
   EXPECT_DOUBLE_EQ(ToDouble(bend.Get("Angle")), 1.5707963267948966);
@@ -259,7 +263,8 @@ TEST(Model, RemovedShapesAndDroppedScenesLeaveNoDanglingLinks) {
   Variant part = AddShape(asm1, 3);
   app.Get("ActivePage").Get("SelectedItems").Call("Add", part);
   Variant shapes = asm1.Get("Components", 2).Call("Item", 1).Get("Shapes");
-  EXPECT_EQ(ErrorOf([&] { root.Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Remove", part); }), 5);
+  EXPECT_EQ(ErrorOf([&] { root.Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Remove", part); }),
+            5);
   shapes.Call("Remove", part);
   EXPECT_EQ(ToLong(shapes.Get("Count")), 0);
   EXPECT_TRUE(part.Get("Parent").IsNothing());
@@ -290,10 +295,13 @@ TEST(Model, TheJournalRecordsEveryCallInOrder) {
   Variant pos = part.Get("Components", 4).Call("Item", 1);
   pos.Call("Variable", 2).Let("Value", 3.5);
   EXPECT_EQ(ErrorOf([&] { part.Call("Explode"); }), 438);
+  part.Get("type");
+  std::vector<Variant> none;
+  part.AsObject()->InvokeId(part.AsObject()->GetDispId("SystemID"), CallKind::Get, none);
   RefHost::StopJournal();
   part.Get("Name");  // not recorded
   const std::vector<RefHost::JournalEntry> j = RefHost::Journal();
-  ASSERT_EQ(j.size(), 5u) << RefHost::FormatJournal(j);
+  ASSERT_EQ(j.size(), 7u) << RefHost::FormatJournal(j);
   EXPECT_EQ(j[0].object, "Scene1//Part");
   EXPECT_EQ(j[0].member, "Components");
   EXPECT_EQ(j[0].kind, CallKind::Get);
@@ -307,7 +315,9 @@ TEST(Model, TheJournalRecordsEveryCallInOrder) {
             "call Scene1//Part.Components(4).Item(1&)\n"
             "call Scene1//Part.Components(4).Item(1).Variable(2&)\n"
             "let  Scene1//Part.Components(4).Item(1).Variable(2).Value = 3.5\n"
-            "call Scene1//Part.Explode()\n");
+            "call Scene1//Part.Explode()\n"
+            "get  Scene1//Part.Type\n"
+            "get  Scene1//Part.SystemID\n");
   RefHost::ClearJournal();
   EXPECT_TRUE(RefHost::Journal().empty());
   // Loading and saving drive the model directly: nothing is journaled.

@@ -64,8 +64,8 @@ void WriteProfile(const Variant& paths, const std::vector<OutlineRec>& outlines)
             kn.Put(i, Variant(k.knots[static_cast<std::size_t>(i - 1)]));
           }
           Variant vc(std::move(ctrl)), vw(std::move(w)), vk(std::move(kn));
-          std::vector<Variant> args = {Variant(k.degree), Variant(k.periodic), Variant(k.closed),
-                                       Variant::ByRef(vc), Variant::ByRef(vw), Variant::ByRef(vk)};
+          std::vector<Variant> args = {Variant(k.degree),  Variant(k.periodic), Variant(k.closed),
+                                       Variant::ByRef(vc), Variant::ByRef(vw),  Variant::ByRef(vk)};
           s.Invoke("SetDefinition", CallKind::Method, args);
           break;
         }
@@ -116,14 +116,16 @@ std::vector<OutlineRec> ReadProfile(const Variant& paths) {
           k.periodic = ToBoolean(c.Get("Periodic"));
           k.degree = ToLong(c.Get("Degree"));
           for (std::int32_t n = 1; n <= ToLong(c.Get("ControlPoints")); ++n) {
-            const std::vector<double> xy = CallDoubles(c, "GetControlPoint", {Variant(n), Variant(), Variant()});
+            const std::vector<double> xy =
+                CallDoubles(c, "GetControlPoint", {Variant(n), Variant(), Variant()});
             k.ctrl.push_back({xy[0], xy[1]});
           }
           for (std::int32_t n = 1; n <= ToLong(c.Get("FitPoints")); ++n) {
             const std::vector<double> xy = CallDoubles(c, "GetFitPoint", {Variant(n), Variant(), Variant()});
             k.fit.push_back({xy[0], xy[1]});
           }
-          for (std::int32_t n = 1; n <= ToLong(c.Get("Knots")); ++n) k.knots.push_back(ToDouble(c.Call("GetKnot", n)));
+          for (std::int32_t n = 1; n <= ToLong(c.Get("Knots")); ++n)
+            k.knots.push_back(ToDouble(c.Call("GetKnot", n)));
           for (std::int32_t n = 1; n <= ToLong(c.Get("Weights")); ++n)
             k.weights.push_back(ToDouble(c.Call("GetWeight", n)));
           break;
@@ -152,7 +154,9 @@ std::vector<OutlineRec> RandomProfile(std::mt19937& rng) {
         case 0: k.Radius = std::abs(d(rng)) / 10; break;
         case 1: k.X = d(rng), k.Y = d(rng); break;
         case 2: k.X = d(rng), k.Y = d(rng), k.HFactor = d(rng) / 100; break;
-        case 3: k.X = d(rng), k.Y = d(rng), k.T1X = d(rng), k.T1Y = d(rng), k.T2X = d(rng), k.T2Y = d(rng); break;
+        case 3:
+          k.X = d(rng), k.Y = d(rng), k.T1X = d(rng), k.T1Y = d(rng), k.T2X = d(rng), k.T2Y = d(rng);
+          break;
         case 4:
           k.CenterX = d(rng), k.CenterY = d(rng);
           if (j % 2) {
@@ -240,8 +244,9 @@ Pt Evaluate(const std::vector<Pt>& ctrl, const std::vector<double>& knots, int p
       const std::size_t i = span - static_cast<std::size_t>(p) + static_cast<std::size_t>(j);
       const double den = knots[i + static_cast<std::size_t>(p) + 1 - static_cast<std::size_t>(r)] - knots[i];
       const double a = den == 0 ? 0 : (u - knots[i]) / den;
-      d[static_cast<std::size_t>(j)] = {(1 - a) * d[static_cast<std::size_t>(j - 1)].x + a * d[static_cast<std::size_t>(j)].x,
-                                        (1 - a) * d[static_cast<std::size_t>(j - 1)].y + a * d[static_cast<std::size_t>(j)].y};
+      d[static_cast<std::size_t>(j)] = {
+          (1 - a) * d[static_cast<std::size_t>(j - 1)].x + a * d[static_cast<std::size_t>(j)].x,
+          (1 - a) * d[static_cast<std::size_t>(j - 1)].y + a * d[static_cast<std::size_t>(j)].y};
     }
   return d[static_cast<std::size_t>(p)];
 }
@@ -297,8 +302,12 @@ TEST(Paths, FitPointsAreInterpolated) {
       }
       Variant curve = p.Call("AddBSplineTo", fit.back().x, fit.back().y);
       Variant t(std::move(table));
-      std::vector<Variant> args = {Variant(std::int16_t{static_cast<std::int16_t>(degree)}), Variant(false),
-                                   Variant(false), Variant::ByRef(t), Variant::Nothing(), Variant::Nothing()};
+      std::vector<Variant> args = {Variant(std::int16_t{static_cast<std::int16_t>(degree)}),
+                                   Variant(false),
+                                   Variant(false),
+                                   Variant::ByRef(t),
+                                   Variant::Nothing(),
+                                   Variant::Nothing()};
       curve.Invoke("SetDefinitionByFitPoints", CallKind::Method, args);
       ASSERT_EQ(ToLong(curve.Get("FitPoints")), n);
       const int np = ToLong(curve.Get("ControlPoints"));
@@ -307,10 +316,12 @@ TEST(Paths, FitPointsAreInterpolated) {
       std::vector<Pt> ctrl;
       std::vector<double> knots;
       for (int i = 1; i <= np; ++i) {
-        const std::vector<double> xy = CallDoubles(curve, "GetControlPoint", {Variant(i), Variant(), Variant()});
+        const std::vector<double> xy =
+            CallDoubles(curve, "GetControlPoint", {Variant(i), Variant(), Variant()});
         ctrl.push_back({xy[0], xy[1]});
       }
-      for (int i = 1; i <= ToLong(curve.Get("Knots")); ++i) knots.push_back(ToDouble(curve.Call("GetKnot", i)));
+      for (int i = 1; i <= ToLong(curve.Get("Knots")); ++i)
+        knots.push_back(ToDouble(curve.Call("GetKnot", i)));
       ASSERT_EQ(knots.size(), static_cast<std::size_t>(n + pdeg + 1));
       // The curve passes through every fit point at its chord-length parameter.
       double total = 0;
@@ -332,10 +343,10 @@ TEST(Paths, ArgumentsTheHostRefuses) {
   Variant p = paths.Call("Add");
   Variant line = p.Call("AddLineTo", 1.0, 2.0);
   Variant spline = p.Call("AddBSplineTo", 1.0, 2.0);
-  EXPECT_EQ(ErrorOf([&] { p.Call("Variable", 1, 3); }), 9);   // a line has no variable 3
-  EXPECT_EQ(ErrorOf([&] { p.Call("Variable", 3, 1); }), 9);   // no curve 3
+  EXPECT_EQ(ErrorOf([&] { p.Call("Variable", 1, 3); }), 9);  // a line has no variable 3
+  EXPECT_EQ(ErrorOf([&] { p.Call("Variable", 3, 1); }), 9);  // no curve 3
   EXPECT_EQ(ErrorOf([&] { p.Call("Variable", -1, 1); }), 9);
-  EXPECT_EQ(ErrorOf([&] { line.Get("Degree"); }), 438);       // not a B-spline
+  EXPECT_EQ(ErrorOf([&] { line.Get("Degree"); }), 438);  // not a B-spline
   EXPECT_EQ(ErrorOf([&] { spline.Call("GetKnot", 1); }), 9);
   EXPECT_EQ(ErrorOf([&] { p.Call("AddEllipse", 1.0, 2.0, 3.0, 4.0); }), 450);
   EXPECT_EQ(ErrorOf([&] { spline.Call("SetDefinition", 3, false, false, 1.0, 2.0, 3.0); }), 13);
@@ -345,11 +356,13 @@ TEST(Paths, ArgumentsTheHostRefuses) {
             }),
             5);  // control points must be rows of X and Y
   EXPECT_EQ(ErrorOf([&] {
-              spline.Call("SetDefinitionByFitPoints", 0, false, false, SafeArray::Matrix(VarType::Double, 1, 3, 1, 2));
+              spline.Call("SetDefinitionByFitPoints", 0, false, false,
+                          SafeArray::Matrix(VarType::Double, 1, 3, 1, 2));
             }),
             5);  // degree 0
   EXPECT_EQ(ErrorOf([&] {
-              spline.Call("SetDefinitionByFitPoints", 3, false, false, SafeArray::Matrix(VarType::Double, 1, 3, 1, 2), 5.0);
+              spline.Call("SetDefinitionByFitPoints", 3, false, false,
+                          SafeArray::Matrix(VarType::Double, 1, 3, 1, 2), 5.0);
             }),
             13);  // a tangent is an object or nothing
   SafeArray twice = SafeArray::Matrix(VarType::Double, 1, 3, 1, 2);
@@ -358,7 +371,17 @@ TEST(Paths, ArgumentsTheHostRefuses) {
   EXPECT_EQ(ErrorOf([&] { paths.Call("Item", 2); }), 9);
   EXPECT_EQ(ErrorOf([&] { p.Call("AddLineTo", "a", 1.0); }), 13);
   // A profile holds paths only.
-  EXPECT_EQ(ErrorOf([&] { Root(app).Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Item", 1)
-                              .Get("Components", 15).Call("Item", 1).Get("Profile").Get("Components", 4).Call("Add"); }),
+  EXPECT_EQ(ErrorOf([&] {
+              Root(app)
+                  .Get("Components", 2)
+                  .Call("Item", 1)
+                  .Get("Shapes")
+                  .Call("Item", 1)
+                  .Get("Components", 15)
+                  .Call("Item", 1)
+                  .Get("Profile")
+                  .Get("Components", 4)
+                  .Call("Add");
+            }),
             5);
 }

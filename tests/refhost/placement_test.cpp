@@ -1,9 +1,10 @@
 // Placement members: point transforms up and down the tree, the local-to-
 // parent matrix, Shift, Rotate and the anchor, on random nested scenes.
+#include "refhost/Placement.hpp"
+
 #include <array>
 
 #include "RefHostTestSupport.hpp"
-#include "refhost/Placement.hpp"
 
 using namespace TessarkAO;
 using namespace TessarkAO::RefHostTest;
@@ -12,7 +13,9 @@ using RefHost::Vec3;
 
 namespace {
 
-Mat3 Rot(double ax, double ay, double az, double angle) { return RefHost::RotationAboutAxis({ax, ay, az}, angle); }
+Mat3 Rot(double ax, double ay, double az, double angle) {
+  return RefHost::RotationAboutAxis({ax, ay, az}, angle);
+}
 
 void ExpectSameRotation(const Mat3& a, const Mat3& b, const std::string& where) {
   for (int i = 0; i < 3; ++i)
@@ -50,7 +53,7 @@ TEST(Placement, UpThenDownReturnsTheInputOnRandomNestedScenes) {
     std::mt19937 rng(seed);
     RandomScene s = MakeRandomScene(rng, 40);
     Variant page = s.app.Get("ActivePage");
-    if (seed % 2) page.Let("UnitsScale", 2, 0.0254);  // inches
+    if (seed % 2) page.Let("UnitsScale", 2, 0.0254);    // inches
     if (seed % 3 == 0) page.Let("UnitsScale", 1, 1.0);  // radians
     for (std::size_t i = 0; i < s.shapes.size(); ++i) {
       const Pose p = RandomPose(rng);
@@ -88,9 +91,11 @@ TEST(Placement, AnchorLandsOnThePositionAndTheMatrixAgreesWithTheTransform) {
   const double toCm = 0.3048 / 0.01;
   for (const Variant& shape : s.shapes) {
     // The anchor point (local, page units) is put at the position point.
-    const Pose anchor{GetVar(shape, 5, 1) * toCm, GetVar(shape, 5, 2) * toCm, GetVar(shape, 5, 3) * toCm, 0, 0, 0, 0};
+    const Pose anchor{
+        GetVar(shape, 5, 1) * toCm, GetVar(shape, 5, 2) * toCm, GetVar(shape, 5, 3) * toCm, 0, 0, 0, 0};
     const std::vector<double> at = Up(shape, anchor);
-    for (int k = 0; k < 3; ++k) EXPECT_NEAR(at[static_cast<std::size_t>(k)], GetVar(shape, 4, k + 1) * toCm, 1e-9);
+    for (int k = 0; k < 3; ++k)
+      EXPECT_NEAR(at[static_cast<std::size_t>(k)], GetVar(shape, 4, k + 1) * toCm, 1e-9);
 
     // The matrix (column by column, translation in metres) maps points as
     // GetPointTransformUp does, and its linear part is orthonormal with
@@ -125,8 +130,8 @@ TEST(Placement, ShiftAlongOwnAxesAfterMovingTheAnchorKeepsTheGeometry) {
     for (int k = 0; k < 3; ++k) SetVar(shape, 5, k + 1, GetVar(shape, 5, k + 1) + delta[k]);
     std::vector<Variant> args = {Variant(delta[0] / 10), Variant(delta[1] / 10), Variant(delta[2] / 10)};
     shape.Invoke("Shift", CallKind::Method, args);
-    ExpectNear(Up(shape, probe), {before[0], before[1], before[2], before[3], before[4], before[5], before[6]},
-               "shift");
+    ExpectNear(Up(shape, probe),
+               {before[0], before[1], before[2], before[3], before[4], before[5], before[6]}, "shift");
   }
 }
 
@@ -188,7 +193,7 @@ TEST(Placement, ArgumentsTheHostRefuses) {
   Variant root = Root(app);
   Variant a = AddShape(root, 1);
   Variant b = AddShape(root, 3);
-  EXPECT_EQ(ErrorOf([&] { Down(a, b, {0, 0, 0, 0, 0, 0, 0}); }), 5);          // not below a
+  EXPECT_EQ(ErrorOf([&] { Down(a, b, {0, 0, 0, 0, 0, 0, 0}); }), 5);  // not below a
   EXPECT_EQ(ErrorOf([&] { Down(a, Variant(nullptr), {0, 0, 0, 0, 0, 0, 0}); }), 5);
   EXPECT_EQ(ErrorOf([&] { Down(a, app.Get("ActivePage"), {0, 0, 0, 0, 0, 0, 0}); }), 13);
   SetVar(a, 4, 1, 1e308);  // millimetres: 1e307 cm

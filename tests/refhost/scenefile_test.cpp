@@ -29,7 +29,8 @@ void DumpShape(const Variant& shape, std::string& out, const std::string& indent
       if (type == 3) {
         Variant curves = c.Get("Curves");
         out += indent + "  path closed " + ToString(c.Get("Closed")) + " construction " +
-               ToString(c.Get("Construction")) + " start " + Text(c.Call("Variable", 0, 1).Get("Value")) + "\n";
+               ToString(c.Get("Construction")) + " start " + Text(c.Call("Variable", 0, 1).Get("Value")) +
+               "\n";
         for (std::int32_t j = 1; j <= ToLong(curves.Get("Count")); ++j) {
           Variant k = curves.Call("Item", j);
           out += indent + "   curve " + ToString(k.Get("Type"));
@@ -43,7 +44,8 @@ void DumpShape(const Variant& shape, std::string& out, const std::string& indent
           if (ToLong(k.Get("Type")) == 5) {
             out += " deg " + ToString(k.Get("Degree")) + " cp " + ToString(k.Get("ControlPoints")) + " fit " +
                    ToString(k.Get("FitPoints")) + " knots " + ToString(k.Get("Knots"));
-            for (std::int32_t n = 1; n <= ToLong(k.Get("Knots")); ++n) out += " " + Text(k.Call("GetKnot", n));
+            for (std::int32_t n = 1; n <= ToLong(k.Get("Knots")); ++n)
+              out += " " + Text(k.Call("GetKnot", n));
           }
           out += "\n";
         }
@@ -77,7 +79,8 @@ std::string Dump(const Variant& app) {
     out += "page " + ToString(p.Get("Name")) + " " + Text(p.Get("UnitsScale", 2)) + " " +
            Text(p.Get("UnitsScale", 1)) + " selected";
     Variant sel = p.Get("SelectedItems");
-    for (std::int32_t k = 1; k <= ToLong(sel.Get("Count")); ++k) out += " " + ToString(sel.Call("Item", k).Get("SystemID"));
+    for (std::int32_t k = 1; k <= ToLong(sel.Get("Count")); ++k)
+      out += " " + ToString(sel.Call("Item", k).Get("SystemID"));
     out += "\n";
     DumpShape(p.Get("Shape"), out, "");
   }
@@ -154,7 +157,8 @@ std::string LoadError(const std::string& json) {
   return "loaded";
 }
 
-const char* kMinimal = R"({"pages": [{"name": "P", "root": {"type": 1, "components": [{"type": 18}, {"type": 2, "shapes": [
+const char* kMinimal =
+    R"({"pages": [{"name": "P", "root": {"type": 1, "components": [{"type": 18}, {"type": 2, "shapes": [
   {"name": "A", "type": 3, "systemID": 7, "components": [{"type": 4, "variables": {"1": 2.5, "9": 1}}]}]}]}}]})";
 
 }  // namespace
@@ -183,7 +187,8 @@ TEST(SceneFile, FilesOnDisk) {
   EXPECT_EQ(FirstDifference(Dump(back), Dump(app)), "");
   EXPECT_EQ(ErrorOf([&] { RefHost::LoadScene((dir / "missing.json").string()); }), 53);
   EXPECT_EQ(ErrorOf([&] { RefHost::LoadScene(dir.string()); }), 75);
-  EXPECT_EQ(ErrorOf([&] { RefHost::SaveScene(app.AsObject(), (dir / "no" / "such" / "x.json").string()); }), 75);
+  EXPECT_EQ(ErrorOf([&] { RefHost::SaveScene(app.AsObject(), (dir / "no" / "such" / "x.json").string()); }),
+            75);
   EXPECT_EQ(ErrorOf([&] { RefHost::SaveScene(Ref<Object>(), file); }), 91);
   EXPECT_EQ(ErrorOf([&] { RefHost::SaveScene(app.Get("ActivePage").AsObject(), file); }), 13);
   std::ofstream(file) << "{\n  \"pages\": [\n    {\"name\": 5}\n  ]\n}\n";
@@ -197,9 +202,9 @@ TEST(SceneFile, WhatAHandWrittenFileMeans) {
   EXPECT_EQ(ToLong(a.Get("SystemID")), 7);
   EXPECT_EQ(GetVar(a, 4, 1), 2.5);
   EXPECT_EQ(Comp(a, 4).Call("Variable", 9).Get("Value").Type(), VarType::Long);
-  EXPECT_EQ(GetVar(a, 4, 2), 0.0);  // not listed: the host's initial value
+  EXPECT_EQ(GetVar(a, 4, 2), 0.0);                            // not listed: the host's initial value
   EXPECT_EQ(ToLong(a.Get("Components", 5).Get("Count")), 0);  // only what the file lists
-  EXPECT_EQ(ToLong(Root(app).Get("SystemID")), 8);  // unnumbered shapes follow the highest
+  EXPECT_EQ(ToLong(Root(app).Get("SystemID")), 8);            // unnumbered shapes follow the highest
   // A formula without a value is evaluated when the scene stands; declared
   // variables of a type the host gives none take their type from the file.
   Variant b(RefHost::LoadSceneFromString(R"({"pages": [{"name": "P", "root": {"type": 1, "components": [
@@ -214,8 +219,9 @@ TEST(SceneFile, WhatAHandWrittenFileMeans) {
   EXPECT_EQ(ToString(user.Call("Variable", 5).Get("Name")), "Flag");
   EXPECT_EQ(ToLong(user.Call("Variable", 5).Get("Type")), 34);
   EXPECT_EQ(ToString(user.Call("Variable", 6)), "t");
-  EXPECT_EQ(RefHost::SaveSceneToString(RefHost::LoadSceneFromString(RefHost::SaveSceneToString(b.AsObject()))),
-            RefHost::SaveSceneToString(b.AsObject()));
+  EXPECT_EQ(
+      RefHost::SaveSceneToString(RefHost::LoadSceneFromString(RefHost::SaveSceneToString(b.AsObject()))),
+      RefHost::SaveSceneToString(b.AsObject()));
 }
 
 TEST(SceneFile, MalformedFilesNameThePlace) {
@@ -280,7 +286,8 @@ TEST(SceneFile, MalformedFilesNameThePlace) {
     EXPECT_EQ(got.substr(0, r.message.size()), r.message) << r.json;
   }
   // Nesting deeper than the host allows is refused, not followed.
-  std::string deep = R"({"pages": [{"name": "P", "root": {"type": 1, "components": [{"type": 18}, {"type": 2, "shapes": [)";
+  std::string deep =
+      R"({"pages": [{"name": "P", "root": {"type": 1, "components": [{"type": 18}, {"type": 2, "shapes": [)";
   for (int i = 0; i < 1100; ++i) deep += R"({"type": 1, "components": [{"type": 2, "shapes": [)";
   for (int i = 0; i < 1100; ++i) deep += "]}]}";
   deep += "]}]}}]}";
@@ -312,4 +319,13 @@ TEST(SceneFile, DamagedFilesNeverCrashTheLoader) {
     }
   }
   EXPECT_LT(loaded, 200);
+}
+
+TEST(SceneFile, NamesThatAreNotUtf8AreSavedWithReplacementCharacters) {
+  Variant app(RefHost::NewApplication());
+  AddShape(Root(app), 3).Let("Name", std::string("Bad\xff"));
+  Variant back(RefHost::LoadSceneFromString(RefHost::SaveSceneToString(app.AsObject())));
+  EXPECT_EQ(
+      ToString(Root(back).Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Item", 1).Get("Name")),
+      "Bad\xef\xbf\xbd");
 }
