@@ -61,8 +61,9 @@ void BM_ReadThroughSystemUtils(benchmark::State& state) {
   UseStore();
   Ref<Object> sys = CreateObject("TessarkAO.TKSystemUtils");
   std::vector<Variant> args = {Variant(3), Variant("SOFTWARE\\Tessark\\TESSARK 6.0\\Directories"),
-                               Variant("Install"), Variant("")};
+                               Variant("Install"), Variant("/opt/tessark")};
   sys->Invoke("SetRegistryStringValue", CallKind::Method, args);
+  args[3] = Variant("");
   for (auto _ : state) {
     Variant status = sys->Invoke("ReadRegistryStringValue", CallKind::Method, args);
     benchmark::DoNotOptimize(status);
@@ -119,7 +120,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& r : runs)
-      if (!r.skipped) times[r.benchmark_name()] = r.GetAdjustedRealTime() * UnitToSeconds(r.time_unit);
+      if (!r.error_occurred) times[r.benchmark_name()] = r.GetAdjustedRealTime() * UnitToSeconds(r.time_unit);
     ConsoleReporter::ReportRuns(runs);
   }
   static double UnitToSeconds(benchmark::TimeUnit u) {
