@@ -72,6 +72,9 @@ std::string DefaultLiteral(const ParamInfo& p) {
 
 // One parameter: "[in] double dblX", "[in, out] VARIANT* vValues", ...
 std::string Param(const ParamInfo& p, std::string_view name) {
+  // A trailing variable-length list is the array that a vararg method's
+  // last parameter receives.
+  if (p.paramArray) return "[in] SAFEARRAY(VARIANT) " + std::string(name);
   std::string attrs = p.output ? "in, out" : "in";
   std::string type(IdlTypeName(p.type));
   if (p.optional) {
@@ -135,7 +138,9 @@ void WriteInterface(std::string& out, const ServedClass& c) {
     const DispId id = (m.id == info.DefaultMember()) ? DispIdValue : m.id;
     const std::string name = IdlIdentifier(m.name);
     if (m.get) {
-      out += "      " + Attributes(id, m.isMethod ? "" : "propget", m.doc) + " " + ResultType(m.get) + " " +
+      std::string kind = m.isMethod ? "" : "propget";
+      if (m.get.paramArray) kind += kind.empty() ? "vararg" : ", vararg";
+      out += "      " + Attributes(id, kind, m.doc) + " " + ResultType(m.get) + " " +
              name + "(" + ParamList(m.get, nullptr, false) + ");\n";
     }
     if (m.let) {

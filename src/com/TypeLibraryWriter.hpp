@@ -14,7 +14,9 @@
 //   Double double, Single float, Long long, Integer short, Byte unsigned char,
 //   Boolean VARIANT_BOOL, String BSTR, Currency CURRENCY, Date DATE,
 //   Decimal DECIMAL, Object IDispatch*, Variant VARIANT;
-//   an output argument is [in, out] and a pointer to its type.
+//   an output argument is [in, out] and a pointer to its type; a trailing
+//   variable-length list (ParamArray) makes the method vararg, its last
+//   parameter a SAFEARRAY(VARIANT).
 //
 // An optional argument with a default that the type library can state (a
 // whole number, a Boolean, a string) carries it as defaultvalue; any other
