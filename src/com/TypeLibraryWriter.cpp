@@ -191,7 +191,7 @@ const TypeLibraryInfo& ServerTypeLibrary() noexcept {
   return info;
 }
 
-std::vector<ServedClass> ServedClasses() {
+std::vector<ServedClass> ServedClasses(std::vector<std::string>* failures) {
   std::vector<ServedClass> out;
   (void)LibraryClasses();  // the catalogue is installed before it is read
   for (const ClassRecord& r : Catalogue()) {
@@ -199,8 +199,9 @@ std::vector<ServedClass> ServedClasses() {
     try {
       Ref<Object> o = CreateObject(r.progId);
       if (o && o->Class()) out.push_back({&r, o->Class()});
-    } catch (const AutomationError&) {
+    } catch (const AutomationError& e) {
       // A class that cannot be created cannot be served either.
+      if (failures) failures->push_back(std::string(r.progId) + ": error " + std::to_string(e.Number()) + " " + e.Description());
     }
   }
   return out;

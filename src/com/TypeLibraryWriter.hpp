@@ -43,8 +43,9 @@ struct ServedClass {
 };
 
 // Every catalogued class that has a factory, in catalogue order.  One
-// instance of each is created and released to read its member table.
-std::vector<ServedClass> ServedClasses();
+// instance of each is created and released to read its member table; a class
+// whose creation fails is left out and named in `failures` (with its error).
+std::vector<ServedClass> ServedClasses(std::vector<std::string>* failures = nullptr);
 
 struct TypeLibraryInfo {
   std::string_view name;    // "TessarkAO"
