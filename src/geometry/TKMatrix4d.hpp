@@ -206,6 +206,13 @@ class TKMatrix4d final : public Dispatch<TKMatrix4d> {
   // Row i of `frame` is the i-th axis of the orthonormal frame (axis, plane
   // tangent, axis × tangent); false when it cannot be built.
   bool FrameFrom(Ref<Object> axis, Ref<Object> planeTangent, Mat4& frame) const;
+  // The rotation carrying the "from" frame onto the "to" frame; false when
+  // either cannot be built.
+  bool FrameToFrame(const Ref<Object>& fromAxis, const Ref<Object>& fromPlaneTangent,
+                    const Ref<Object>& toAxis, const Ref<Object>& toPlaneTangent, Mat4& rotation) const;
+  // A new vector: (X, Y, Z) of `vector` times the rotation block, plus the
+  // translation row when `translate`.
+  Ref<TKVector4d> Transformed(const Ref<Object>& vector, bool translate) const;
   // Me = T(-from) · R · T(to) with R the rotation block given.
   void SetPlacement(const Ref<Object>* fromPoint, const Mat4& rotation, const Ref<Object>* toPoint);
 
