@@ -336,7 +336,7 @@ bool DecimalFromDigits(std::string digits, int exp10, bool negative, Decimal& ou
     const char last = digits.back();
     digits.pop_back();
     --scale;
-    if (digits.empty()) digits = "0";
+    if (digits.empty()) digits.push_back('0');
     const bool prevOdd = ((digits.back() - '0') & 1) != 0;
     if (last > '5' || (last == '5' && prevOdd)) {
       // add one to the digit string

@@ -274,6 +274,13 @@ class ClassInfo {
 
   // Case-insensitive lookup; DispIdUnknown when absent.
   DispId Find(std::string_view name) const noexcept;
+  // The parameterless property get or method of slot `id` (1-based, not the
+  // default member), or nullptr: the common call that needs no checks.
+  Thunk PlainGetter(DispId id) const noexcept {
+    if (id < 1 || static_cast<std::size_t>(id) > members_.size()) return nullptr;
+    const Accessor& a = members_[static_cast<std::size_t>(id - 1)].get;
+    return a.params.empty() ? a.thunk : nullptr;
+  }
   // The member of a dispatch id (0 is the default member); nullptr when none.
   const MemberInfo* Member(DispId id) const noexcept;
 
@@ -449,6 +456,24 @@ class Dispatch : public Base {
     return info;
   }
   const ClassInfo* Class() const noexcept override { return &StaticClass(); }
+
+  DispId GetDispId(std::string_view name) const override { return StaticClass().Find(name); }
+
+  // Property gets and methods without arguments, by far the most frequent
+  // calls, go straight to their thunk; everything else through the checks.
+  Variant InvokeId(DispId id, CallKind kind, std::span<Variant> args) override {
+    const ClassInfo& info = StaticClass();
+    if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) {
+      if (Thunk t = info.PlainGetter(id)) return t(this, args);
+    }
+    return info.Invoke(this, id, kind, args);
+  }
+
+  Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
+    const DispId id = StaticClass().Find(name);
+    if (id == DispIdUnknown) Raise(Err::NoSuchMember);
+    return Dispatch::InvokeId(id, kind, args);
+  }
 };
 
 }  // namespace TessarkAO

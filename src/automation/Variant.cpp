@@ -18,11 +18,6 @@ Variant::ArrayBox& Variant::ArrayBox::operator=(const ArrayBox& o) {
 Variant::ArrayBox::~ArrayBox() = default;
 
 Variant::Variant(SafeArray a) : s_(ArrayBox(std::make_unique<SafeArray>(std::move(a)))) {}
-Variant::Variant(const Variant&) = default;
-Variant::Variant(Variant&&) noexcept = default;
-Variant& Variant::operator=(const Variant&) = default;
-Variant& Variant::operator=(Variant&&) noexcept = default;
-Variant::~Variant() = default;
 
 Variant Variant::Null() noexcept {
   Variant v;

@@ -82,11 +82,11 @@ class Variant {
   template <class T>
   Variant(T*) = delete;
 
-  Variant(const Variant&);
-  Variant(Variant&&) noexcept;
-  Variant& operator=(const Variant&);
-  Variant& operator=(Variant&&) noexcept;
-  ~Variant();
+  Variant(const Variant&) = default;
+  Variant(Variant&&) noexcept = default;
+  Variant& operator=(const Variant&) = default;
+  Variant& operator=(Variant&&) noexcept = default;
+  ~Variant() = default;
 
   static Variant Null() noexcept;
   static Variant Missing() noexcept { return Variant(ErrorCode{kParamNotFound}); }

@@ -1,0 +1,68 @@
+// The class catalogue, CreateObject and the localizer's string table.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <set>
+
+#include "automation/AutomationError.hpp"
+#include "automation/Catalogue.hpp"
+#include "automation/Convert.hpp"
+#include "frame/ClassCatalogue.hpp"
+#include "frame/StringTable.hpp"
+
+using namespace TessarkAO;
+
+namespace {
+int ErrorOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const AutomationError& e) {
+    return e.Number();
+  }
+  return 0;
+}
+}  // namespace
+
+TEST(Catalogue, ThirtyOneClassesWithDistinctIdentifiers) {
+  const auto classes = LibraryClasses();
+  ASSERT_EQ(classes.size(), 31u);
+  std::set<std::string_view> ids;
+  int counted = 0;
+  for (const ClassRecord& r : classes) {
+    EXPECT_EQ(r.progId, "TessarkAO." + std::string(r.name));
+    EXPECT_TRUE(ids.insert(r.clsid).second) << r.name;
+    EXPECT_TRUE(ids.insert(r.iid).second) << r.name;
+    for (auto e : r.earlierIids) EXPECT_TRUE(ids.insert(e).second) << r.name;
+    counted += r.counted ? 1 : 0;
+  }
+  EXPECT_EQ(counted, 21);  // the classes that share the localizer's lifecycle
+  EXPECT_EQ(Catalogue().size(), 31u);
+}
+
+TEST(Catalogue, CreateObjectByProgIdOrClsid) {
+  EXPECT_EQ(CreateObject("TessarkAO.Localizer")->TypeName(), "Localizer");
+  EXPECT_EQ(CreateObject("tessarkao.localizer")->TypeName(), "Localizer");
+  EXPECT_EQ(CreateObject("{B0131D2E-07ED-11D3-80A0-00C04F6BFADF}")->TypeName(), "Localizer");
+  EXPECT_EQ(CreateObject("b0131d2e-07ed-11d3-80a0-00c04f6bfadf")->TypeName(), "Localizer");
+  EXPECT_EQ(ErrorOf([] { CreateObject("TessarkAO.NoSuchClass"); }), 429);
+  EXPECT_EQ(ErrorOf([] { CreateObject("{00000000-0000-0000-0000-000000000000}"); }), 429);
+  EXPECT_EQ(ErrorOf([] { CreateObject(""); }), 429);
+}
+
+TEST(Localizer, LoadsEveryTextAndRaisesOutsideTheTable) {
+  Variant loc(CreateObject("TessarkAO.Localizer"));
+  EXPECT_EQ(ToString(loc.Call("LoadString", 101)), "millimeters");
+  EXPECT_EQ(ToString(loc.Call("LoadString", 116)),
+            "Excel does not seem to be installed on this system.  Unable to export.");
+  EXPECT_EQ(ToString(loc.Call("LoadString", "114")), "Text Files (*.txt)|*.txt|All Files (*.*)|*.*");
+  EXPECT_NE(ToString(loc.Call("LoadString", 111)).find("deliminated"), std::string::npos);
+  EXPECT_EQ(ErrorOf([&] { loc.Call("LoadString", 100); }), 326);
+  EXPECT_EQ(ErrorOf([&] { loc.Call("LoadString", 125); }), 326);
+  EXPECT_EQ(ErrorOf([&] { loc.Call("LoadString"); }), 449);
+  int n = 0;
+  for (const auto& [id, text] : StringTableEntries()) {
+    EXPECT_EQ(id, 101 + n++);
+    EXPECT_EQ(*LookupString(id), text);
+  }
+  EXPECT_EQ(n, 24);
+}
