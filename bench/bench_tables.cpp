@@ -154,22 +154,16 @@ void Adds(benchmark::State& state, std::int32_t n) {
 void BM_Add10k(benchmark::State& s) { Adds(s, 10000); }
 void BM_Add100k(benchmark::State& s) { Adds(s, 100000); }
 
-void BM_AddRow2D10k(benchmark::State& s) {
-  for (auto _ : s) {
+void AddRows(benchmark::State& state, std::int32_t n) {
+  for (auto _ : state) {
     auto a = MakeRef<TK2DArray>();
     a->SetDimensions(1, 2, false);
-    for (int i = 1; i < 10000; ++i) a->AddRow();
+    for (std::int32_t i = 1; i < n; ++i) a->AddRow();
     benchmark::DoNotOptimize(a->Rows());
   }
 }
-void BM_AddRow2D100k(benchmark::State& s) {
-  for (auto _ : s) {
-    auto a = MakeRef<TK2DArray>();
-    a->SetDimensions(1, 2, false);
-    for (int i = 1; i < 100000; ++i) a->AddRow();
-    benchmark::DoNotOptimize(a->Rows());
-  }
-}
+void BM_AddRow2D10k(benchmark::State& s) { AddRows(s, 10000); }
+void BM_AddRow2D100k(benchmark::State& s) { AddRows(s, 100000); }
 
 }  // namespace
 

@@ -122,7 +122,7 @@ TEST(Column, SpanQueriesOnAStatedColumn) {
 
 TEST(Column, SpanQueriesMatchTheirDefinitionsAfterMutations) {
   const Values values;
-  for (std::uint32_t seed = 0; seed < 400; ++seed) {
+  for (std::uint32_t seed = 0; seed < 150; ++seed) {
     std::mt19937 rng(seed);
     auto c = MakeRef<TKColumn>();
     c->LetColumnType(Values::RandomType(rng));
