@@ -1,0 +1,322 @@
+#include "scene/TKPosition.hpp"
+
+#include <vector>
+
+#include "automation/Catalogue.hpp"
+#include "automation/Checked.hpp"
+#include "automation/Convert.hpp"
+#include "host/HostModel.hpp"
+#include "scene/SceneUnits.hpp"
+#include "scene/SceneUtils.hpp"
+
+namespace TessarkAO {
+
+namespace {
+
+using Host::ComponentType::Anchor;
+using Host::ComponentType::Position;
+
+constexpr std::int32_t kMirrorVariable = 9;
+
+// The seven host numbers of a point transform, in the host's argument order.
+struct Placement {
+  Variant values[7];
+  Placement(double x, double y, double z, double rx, double ry, double rz, double angle)
+      : values{x, y, z, rx, ry, rz, angle} {}
+  void Read(double& x, double& y, double& z, double& rx, double& ry, double& rz, double& angle) const {
+    double* out[] = {&x, &y, &z, &rx, &ry, &rz, &angle};
+    for (int i = 0; i < 7; ++i) *out[i] = ToDouble(values[i]);
+  }
+};
+
+}  // namespace
+
+void TKPosition::Describe(ClassBuilder<TKPosition>& b) {
+  const Opt noPage{Variant::Nothing()};
+  b.Property<&TKPosition::GetPosX, &TKPosition::LetPosX>("PosX")
+      .Property<&TKPosition::GetPosY, &TKPosition::LetPosY>("PosY")
+      .Property<&TKPosition::GetPosZ, &TKPosition::LetPosZ>("PosZ")
+      .Property<&TKPosition::GetRotX, &TKPosition::LetRotX>("RotX")
+      .Property<&TKPosition::GetRotY, &TKPosition::LetRotY>("RotY")
+      .Property<&TKPosition::GetRotZ, &TKPosition::LetRotZ>("RotZ")
+      .Property<&TKPosition::GetRotAngle, &TKPosition::LetRotAngle>("RotAngle")
+      .Property<&TKPosition::GetMirror, &TKPosition::LetMirror>("Mirror")
+      .Property<&TKPosition::GetAnchorPosX, &TKPosition::LetAnchorPosX>("AnchorPosX")
+      .Property<&TKPosition::GetAnchorPosY, &TKPosition::LetAnchorPosY>("AnchorPosY")
+      .Property<&TKPosition::GetAnchorPosZ, &TKPosition::LetAnchorPosZ>("AnchorPosZ")
+      .Property<&TKPosition::GetAnchorRotX, &TKPosition::LetAnchorRotX>("AnchorRotX")
+      .Property<&TKPosition::GetAnchorRotY, &TKPosition::LetAnchorRotY>("AnchorRotY")
+      .Property<&TKPosition::GetAnchorRotZ, &TKPosition::LetAnchorRotZ>("AnchorRotZ")
+      .Property<&TKPosition::GetAnchorRotAngle, &TKPosition::LetAnchorRotAngle>("AnchorRotAngle")
+      .PropertyRef<&TKPosition::GetScene, &TKPosition::SetScene>("Scene")
+      .PropertyRef<&TKPosition::GetShape, &TKPosition::SetShape>("Shape")
+      .Method<&TKPosition::GetShapePosition>("GetShapePosition")
+      .Method<&TKPosition::GetAnchorPosition>("GetAnchorPosition")
+      .Method<&TKPosition::SetShapePosition>("SetShapePosition")
+      .Method<&TKPosition::SetAnchorPosition>("SetAnchorPosition")
+      .Method<&TKPosition::InheritPosition>("InheritPosition", Names{"cPosition"})
+      .Method<&TKPosition::InheritAnchor>("InheritAnchor", Names{"cPosition"})
+      .Method<&TKPosition::GetPositionFromShape>("GetPositionFromShape", Names{"objShape"})
+      .Method<&TKPosition::GetAnchorFromShape>("GetAnchorFromShape", Names{"objShape"})
+      .Method<&TKPosition::ConvertUnitsFromSceneToMetric>("ConvertUnitsFromSceneToMetric",
+                                                           Names{"objPage"}, noPage)
+      .Method<&TKPosition::ConvertUnitsFromMetricToScene>("ConvertUnitsFromMetricToScene",
+                                                           Names{"objPage"}, noPage)
+      .Method<&TKPosition::GetWorldPosition>("GetWorldPosition")
+      .Method<&TKPosition::GetPositionFromWoldToParent>("GetPositionFromWoldToParent", Names{"objParent"})
+      .Method<&TKPosition::TransformPositionUp>("TransformPositionUp", Names{"objPage"}, noPage)
+      .Method<&TKPosition::GetPtTransformUp>(
+          "GetPtTransformUp", Names{"dblX", "dblY", "dblZ", "dblRotX", "dblRotY", "dblRotZ", "dblRotAngle"},
+          Opt{0.0, 0.0, 0.0, 0.0})
+      .Method<&TKPosition::GetPtTransformDown>(
+          "GetPtTransformDown",
+          Names{"objChild", "dblX", "dblY", "dblZ", "dblRotX", "dblRotY", "dblRotZ", "dblRotAngle"},
+          Opt{0.0, 0.0, 0.0, 0.0})
+      .Method<&TKPosition::Rotate>("Rotate", Names{"lngAxis", "dblAngle"})
+      .Method<&TKPosition::Shift>("Shift", Names{"dblX", "dblY", "dblZ", "bUseParent"}, Opt{false})
+      .Method<&TKPosition::GetNormal>("GetNormal", Names{"dblX", "dblY", "dblZ"})
+      .Method<&TKPosition::Zero>("Zero", Names{"Parameter"})
+      .Method<&TKPosition::ResetAnchor>(
+          "ResetAnchor", Names{"dblLengthRatio", "dblWidthRatio", "dblHeightRatio", "bNormalize", "objPage"},
+          noPage);
+}
+
+void TKPosition::ReadPosition(const Variant& shape) {
+  const Variant component = Host::FindComponent(shape, Position, true);
+  posX_ = Host::VariableValue(component, 1);
+  posY_ = Host::VariableValue(component, 2);
+  posZ_ = Host::VariableValue(component, 3);
+  rotX_ = Host::VariableValue(component, 4);
+  rotY_ = Host::VariableValue(component, 5);
+  rotZ_ = Host::VariableValue(component, 6);
+  rotAngle_ = Host::VariableValue(component, 7);
+  mirror_ = ToLong(Host::VariableRaw(component, kMirrorVariable));
+}
+
+void TKPosition::ReadAnchor(const Variant& shape) {
+  const Variant component = Host::FindComponent(shape, Anchor, true);
+  for (std::int32_t n = 1; n <= 7; ++n) anchor_[n - 1] = Host::VariableValue(component, n);
+}
+
+void TKPosition::GetShapePosition() { ReadPosition(ShapeVariant()); }
+
+void TKPosition::GetAnchorPosition() { ReadAnchor(ShapeVariant()); }
+
+void TKPosition::SetShapePosition() {
+  const Variant component = Host::FindComponent(ShapeVariant(), Position, true);
+  const double values[] = {posX_, posY_, posZ_, rotX_, rotY_, rotZ_, rotAngle_};
+  for (std::int32_t n = 1; n <= 7; ++n) Host::LetVariableValue(component, n, values[n - 1]);
+  Host::LetVariableValue(component, kMirrorVariable, mirror_);
+}
+
+void TKPosition::SetAnchorPosition() {
+  const Variant component = Host::FindComponent(ShapeVariant(), Anchor, true);
+  for (std::int32_t n = 1; n <= 7; ++n) Host::LetVariableValue(component, n, anchor_[n - 1]);
+}
+
+void TKPosition::InheritPosition(Ref<TKPosition> cPosition) {
+  if (!cPosition) Raise(Err::ObjectNotSet);
+  posX_ = cPosition->GetPosX();
+  posY_ = cPosition->GetPosY();
+  posZ_ = cPosition->GetPosZ();
+  rotX_ = cPosition->GetRotX();
+  rotY_ = cPosition->GetRotY();
+  rotZ_ = cPosition->GetRotZ();
+  rotAngle_ = cPosition->GetRotAngle();
+  mirror_ = cPosition->GetMirror();
+}
+
+void TKPosition::InheritAnchor(Ref<TKPosition> cPosition) {
+  if (!cPosition) Raise(Err::ObjectNotSet);
+  for (int i = 0; i < 7; ++i) anchor_[i] = cPosition->anchor_[i];
+}
+
+void TKPosition::GetPositionFromShape(Ref<Object> objShape) { ReadPosition(Variant(std::move(objShape))); }
+
+void TKPosition::GetAnchorFromShape(Ref<Object> objShape) { ReadAnchor(Variant(std::move(objShape))); }
+
+void TKPosition::ConvertFields(bool toMetric) {
+  const UnitConverter units(Variant(scene_), UnitConverter::PageUse::PassPage);
+  const std::int32_t sceneLength = SceneUnit::PageUnits, sceneAngle = SceneUnit::PageAngleUnits;
+  const std::int32_t metricLength = SceneUnit::Centimeters, metricAngle = SceneUnit::Radians;
+  const std::int32_t fromLength = toMetric ? sceneLength : metricLength;
+  const std::int32_t toLength = toMetric ? metricLength : sceneLength;
+  const std::int32_t fromAngle = toMetric ? sceneAngle : metricAngle;
+  const std::int32_t toAngle = toMetric ? metricAngle : sceneAngle;
+  posX_ = units.Convert(posX_, fromLength, toLength);
+  posY_ = units.Convert(posY_, fromLength, toLength);
+  posZ_ = units.Convert(posZ_, fromLength, toLength);
+  rotAngle_ = units.Convert(rotAngle_, fromAngle, toAngle);
+}
+
+bool TKPosition::ConvertUnitsFromSceneToMetric(Ref<Object> objPage) {
+  if (objPage) scene_ = std::move(objPage);
+  if (!scene_ || !sceneUnits_) return false;
+  ConvertFields(true);
+  sceneUnits_ = false;
+  return true;
+}
+
+bool TKPosition::ConvertUnitsFromMetricToScene(Ref<Object> objPage) {
+  if (objPage) scene_ = std::move(objPage);
+  if (!scene_ || sceneUnits_) return false;
+  ConvertFields(false);
+  sceneUnits_ = true;
+  return true;
+}
+
+void TKPosition::GetWorldPosition() {
+  // Walk up collecting the ancestors; the nameless top is not collected.
+  std::vector<Variant> ancestors;
+  Variant current = ShapeVariant();
+  for (;;) {
+    Variant parent = SceneUtils::ParentOf(current);
+    if (Host::NameOf(parent).empty()) break;
+    ancestors.push_back(parent);
+    current = std::move(parent);
+  }
+  for (const Variant& ancestor : ancestors) {
+    Placement p(posX_, posY_, posZ_, rotX_, rotY_, rotZ_, rotAngle_);
+    Host::CallByRef(ancestor, "GetPointTransformUp", p.values);
+    p.Read(posX_, posY_, posZ_, rotX_, rotY_, rotZ_, rotAngle_);
+  }
+}
+
+void TKPosition::GetPositionFromWoldToParent(Ref<Object> objParent) {
+  // Walk up from the parent; unlike GetWorldPosition the nameless top is kept
+  // in the chain, so the first transform down is made by the top itself.
+  std::vector<Variant> chain{Variant(std::move(objParent))};
+  for (;;) {
+    chain.push_back(SceneUtils::ParentOf(chain.back()));
+    if (Host::NameOf(chain.back()).empty()) break;
+  }
+  // From the top down: the last transform is made by objParent's parent
+  // with objParent as the child.
+  for (std::size_t outer = chain.size() - 1; outer >= 1; --outer) {
+    Placement p(posX_, posY_, posZ_, rotX_, rotY_, rotZ_, rotAngle_);
+    Variant args[8] = {chain[outer - 1]};
+    for (int i = 0; i < 7; ++i) args[i + 1] = p.values[i];
+    Host::CallByRef(chain[outer], "GetPointTransformDown", args);
+    for (int i = 0; i < 7; ++i) p.values[i] = args[i + 1];
+    p.Read(posX_, posY_, posZ_, rotX_, rotY_, rotZ_, rotAngle_);
+  }
+}
+
+void TKPosition::TransformPositionUp(Ref<Object> objPage) {
+  if (objPage) scene_ = std::move(objPage);
+  double x = posX_, y = posY_, z = posZ_, rx = rotX_, ry = rotY_, rz = rotZ_, angle = rotAngle_;
+  GetPtTransformUp(x, y, z, rx, ry, rz, angle);
+  posX_ = x;
+  posY_ = y;
+  posZ_ = z;
+  rotX_ = rx;
+  rotY_ = ry;
+  rotZ_ = rz;
+  rotAngle_ = angle;
+}
+
+void TKPosition::TransformThroughHost(const Variant* child, double& x, double& y, double& z, double& rotX,
+                                      double& rotY, double& rotZ, double& rotAngle) {
+  if (!scene_) return;  // silently nothing without a Scene, as callers rely on
+  const UnitConverter units(Variant(scene_), UnitConverter::PageUse::PassPage);
+  x = units.Convert(x, SceneUnit::PageUnits, SceneUnit::Centimeters);
+  y = units.Convert(y, SceneUnit::PageUnits, SceneUnit::Centimeters);
+  z = units.Convert(z, SceneUnit::PageUnits, SceneUnit::Centimeters);
+  rotAngle = units.Convert(rotAngle, SceneUnit::PageAngleUnits, SceneUnit::Radians);
+  Placement p(x, y, z, rotX, rotY, rotZ, rotAngle);
+  if (child) {
+    Variant args[8] = {*child};
+    for (int i = 0; i < 7; ++i) args[i + 1] = p.values[i];
+    Host::CallByRef(ShapeVariant(), "GetPointTransformDown", args);
+    for (int i = 0; i < 7; ++i) p.values[i] = args[i + 1];
+  } else {
+    Host::CallByRef(ShapeVariant(), "GetPointTransformUp", p.values);
+  }
+  p.Read(x, y, z, rotX, rotY, rotZ, rotAngle);
+  x = units.Convert(x, SceneUnit::Centimeters, SceneUnit::PageUnits);
+  y = units.Convert(y, SceneUnit::Centimeters, SceneUnit::PageUnits);
+  z = units.Convert(z, SceneUnit::Centimeters, SceneUnit::PageUnits);
+  rotAngle = units.Convert(rotAngle, SceneUnit::Radians, SceneUnit::PageAngleUnits);
+}
+
+void TKPosition::GetPtTransformUp(double& dblX, double& dblY, double& dblZ, double& dblRotX, double& dblRotY,
+                                  double& dblRotZ, double& dblRotAngle) {
+  TransformThroughHost(nullptr, dblX, dblY, dblZ, dblRotX, dblRotY, dblRotZ, dblRotAngle);
+}
+
+void TKPosition::GetPtTransformDown(Ref<Object> objChild, double& dblX, double& dblY, double& dblZ,
+                                    double& dblRotX, double& dblRotY, double& dblRotZ, double& dblRotAngle) {
+  const Variant child(std::move(objChild));
+  TransformThroughHost(&child, dblX, dblY, dblZ, dblRotX, dblRotY, dblRotZ, dblRotAngle);
+}
+
+void TKPosition::Rotate(std::int32_t lngAxis, double dblAngle) {
+  Variant args[] = {lngAxis, dblAngle};
+  Host::CallByRef(ShapeVariant(), "Rotate", args);
+  GetShapePosition();
+}
+
+void TKPosition::Shift(double dblX, double dblY, double dblZ, bool bUseParent) {
+  Variant args[] = {dblX, dblY, dblZ, bUseParent};
+  Host::CallByRef(ShapeVariant(), "Shift", args);
+  GetShapePosition();
+}
+
+void TKPosition::GetNormal(double& dblX, double& dblY, double& dblZ) {
+  Variant args[] = {dblX, dblY, dblZ};
+  Host::CallByRef(ShapeVariant(), "GetNormal", args);
+  dblX = ToDouble(args[0]);
+  dblY = ToDouble(args[1]);
+  dblZ = ToDouble(args[2]);
+}
+
+void TKPosition::Zero(std::int32_t Parameter) {
+  switch (static_cast<TKZeroParameters>(Parameter)) {
+    case TKZeroParameters::ZeroPosition:
+      posX_ = posY_ = posZ_ = 0;
+      break;
+    case TKZeroParameters::ZeroRotation:
+      // The axis becomes the zero vector too: callers set a new rotation next.
+      rotX_ = rotY_ = rotZ_ = rotAngle_ = 0;
+      break;
+    case TKZeroParameters::ZeroAll:
+      posX_ = posY_ = posZ_ = rotX_ = rotY_ = rotZ_ = rotAngle_ = 0;
+      mirror_ = 0;
+      break;
+  }
+}
+
+void TKPosition::ResetAnchor(double dblLengthRatio, double dblWidthRatio, double dblHeightRatio, bool bNormalize,
+                             Ref<Object> objPage) {
+  const Variant shape = ShapeVariant();
+  shape.Call("ResetSizeBox");
+  if (bNormalize) shape.Call("RealignAnchor");
+  if (objPage) scene_ = std::move(objPage);
+
+  const Variant anchor = Host::FindComponent(shape, Anchor, true);
+  // The position component is looked up as well (which may add one) but not
+  // used further: shapes expect both components after a re-anchoring.
+  Host::FindComponent(shape, Position, true);
+
+  double before[3];
+  for (std::int32_t n = 1; n <= 3; ++n) before[n - 1] = Host::VariableValue(anchor, n);
+  // The ratios are written with the locale's number text, which is what the
+  // host's expression parser reads.  The backslash is the host's separator.
+  Host::LetVariableExpression(anchor, 1, "(Sizebox\\Length * " + FormatDouble(dblLengthRatio) + ")");
+  Host::LetVariableExpression(anchor, 2, "(Sizebox\\Width * " + FormatDouble(dblWidthRatio) + ")");
+  Host::LetVariableExpression(anchor, 3, "(Sizebox\\Height * " + FormatDouble(dblHeightRatio) + ")");
+  double after[3];
+  for (std::int32_t n = 1; n <= 3; ++n) after[n - 1] = Host::VariableValue(anchor, n);
+
+  const UnitConverter units(Variant(scene_), UnitConverter::PageUse::PassPage);
+  Variant shift[3];
+  for (int i = 0; i < 3; ++i) {
+    const double displacement = Checked::Sub(after[i], before[i]);
+    shift[i] = units.Convert(displacement, SceneUnit::PageUnits, SceneUnit::Centimeters);
+  }
+  Host::CallByRef(shape, "Shift", shift);
+}
+
+}  // namespace TessarkAO
+
+TK_REGISTER_CLASS(TessarkAO::TKPosition)

@@ -1,0 +1,139 @@
+#include "scene/TKShape.hpp"
+
+#include "automation/Catalogue.hpp"
+#include "automation/Checked.hpp"
+#include "automation/Convert.hpp"
+#include "host/HostModel.hpp"
+#include "scene/Functions.hpp"
+#include "scene/SceneUnits.hpp"
+
+namespace TessarkAO {
+
+void TKShape::Describe(ClassBuilder<TKShape>& b) {
+  b.PropertyRef<&TKShape::GetShape, &TKShape::SetShape>("Shape")
+      .Get<&TKShape::SizeboxToParentTransform>("SizeboxToParentTransform")
+      .Get<&TKShape::Parent>("Parent")
+      .Get<&TKShape::History>("History")
+      .Get<&TKShape::BoundingBox>("BoundingBox", Names{"lngIndex"})
+      .Get<&TKShape::Position>("Position")
+      .Get<&TKShape::SurfaceFinish>("SurfaceFinish")
+      .Get<&TKShape::Component>("Component", Names{"lngComponent", "bCanBeCreated"}, Opt{Variant::Missing()})
+      .Get<&TKShape::PositionTransform>("PositionTransform")
+      .Get<&TKShape::AnchorTransform>("AnchorTransform");
+}
+
+void TKShape::SetShape(Ref<Object> objShape) {
+  shape_ = std::move(objShape);
+  boundingBox_ = Variant(shape_).Get("BoundingBox");
+  // The cached objects stay referenced until they are fetched again.
+  parentFetched_ = false;
+  historyFetched_ = false;
+}
+
+Ref<Object> TKShape::Parent() {
+  if (!parentFetched_) {
+    parent_ = ToObject(Functions::FindShapeParent(Variant(shape_)));
+    parentFetched_ = true;
+  }
+  return parent_;
+}
+
+Ref<Object> TKShape::History() {
+  if (!historyFetched_) {
+    history_ = ToObject(Functions::FindChildContainer(Variant(shape_)));
+    historyFetched_ = true;
+  }
+  return history_;
+}
+
+double TKShape::BoundingBox(std::int32_t lngIndex) {
+  static constexpr const char* kMembers[] = {"MinX", "MinY", "MinZ", "MaxX", "MaxY", "MaxZ"};
+  if (lngIndex >= 1 && lngIndex <= 6) return ToDouble(boundingBox_.Get(kMembers[lngIndex - 1]));
+  if (lngIndex >= 7 && lngIndex <= 9) {
+    const int axis = lngIndex - 7;
+    const double max = ToDouble(boundingBox_.Get(kMembers[axis + 3]));
+    const double min = ToDouble(boundingBox_.Get(kMembers[axis]));
+    return Checked::Sub(max, min);
+  }
+  return 0;
+}
+
+Ref<TKPosition> TKShape::Position() {
+  if (!position_) position_ = MakeRef<TKPosition>();
+  position_->SetShape(shape_);
+  position_->GetAnchorPosition();
+  position_->GetShapePosition();
+  return position_;
+}
+
+Ref<TKSurfaceFinish> TKShape::SurfaceFinish() {
+  if (!finish_) finish_ = MakeRef<TKSurfaceFinish>();
+  finish_->SetShape(shape_);
+  finish_->GetFinishFromShape(shape_);
+  return finish_;
+}
+
+Ref<Object> TKShape::Component(std::int32_t lngComponent, const Variant& bCanBeCreated) {
+  if (!shape_) return Ref<Object>();
+  const Variant shape(shape_);
+  const Variant components = Host::Components(shape, lngComponent);
+  if (Host::CountOf(components) > 0) return ToObject(components.Call("Item", std::int16_t{1}));
+  if (!bCanBeCreated.IsMissing() && ToBoolean(bCanBeCreated)) return ToObject(components.Call("Add"));
+  return Ref<Object>();
+}
+
+Ref<Object> TKShape::ComponentTransform(std::int32_t type) {
+  const Ref<Object> matrix = CreateObject("TessarkAO.TKMatrix4d");
+  const Variant component(Component(type, Variant(true)));
+  if (component.IsNothing()) return matrix;
+  const UnitConverter units(Variant(shape_).Get("Page"), UnitConverter::PageUse::AssignPage);
+  double v[7];
+  for (std::int32_t n = 1; n <= 7; ++n) v[n - 1] = Host::VariableValue(component, n);
+  // Only the angle is converted: the point stays in page length units.
+  const double degrees = units.Convert(v[6], SceneUnit::PageAngleUnits, SceneUnit::Degrees);
+  const Variant point(CreateObject("TessarkAO.TKVector4d"));
+  point.Call("SetPosition", v[0], v[1], v[2]);
+  const Variant axis(CreateObject("TessarkAO.TKVector4d"));
+  axis.Call("SetPosition", v[3], v[4], v[5]);
+  Variant(matrix).Call("SetRotationFromPointAxisAndAngle", point, axis, degrees);
+  return matrix;
+}
+
+Ref<Object> TKShape::PositionTransform() { return ComponentTransform(Host::ComponentType::Position); }
+
+Ref<Object> TKShape::AnchorTransform() { return ComponentTransform(Host::ComponentType::Anchor); }
+
+Ref<Object> TKShape::SizeboxToParentTransform() {
+  const Ref<Object> matrix = CreateObject("TessarkAO.TKMatrix4d");
+  if (!shape_) return matrix;
+  const Variant shape(shape_);
+  const UnitConverter units(shape.Get("Page"), UnitConverter::PageUse::AssignPage);
+
+  Variant values(SafeArray::Vector(VarType::Double, 0, 15));
+  Variant args[] = {values};
+  Host::CallByRef(shape, "GetLocalToParentXform", args);
+  values = args[0];
+  if (!values.IsArray()) Raise(Err::TypeMismatch);
+  const SafeArray& x = values.AsArray();
+  const std::int32_t base = x.LBound(1);
+  auto element = [&](std::int32_t i) { return ToDouble(x.Get(base + i)); };
+
+  // The host hands its 16 values column by column; the translation comes in
+  // system length units and is shown in page length units.
+  SafeArray m = SafeArray::Matrix(VarType::Double, 0, 3, 0, 3);
+  for (std::int32_t r = 0; r < 4; ++r) {
+    for (std::int32_t c = 0; c < 4; ++c) {
+      double value = element(4 * c + r);
+      if (c == 3 && r < 3) value = units.Convert(value, SceneUnit::SystemLengthUnits, SceneUnit::PageUnits);
+      m.Put(r, c, value);
+    }
+  }
+  Variant matrixArray(std::move(m));
+  Variant setArgs[] = {matrixArray};
+  Host::CallByRef(Variant(matrix), "SetMatrix", setArgs);
+  return matrix;
+}
+
+}  // namespace TessarkAO
+
+TK_REGISTER_CLASS(TessarkAO::TKShape)
