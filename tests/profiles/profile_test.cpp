@@ -36,7 +36,6 @@ TEST(Profile, ShiftMovesPointsAndCentresOnly) {
   Ref<TKCurve> spline = o->GetCurve(8);
   spline->LetBSplineFitPoints(1);
   spline->SetFitPoint(1, 1, 1);
-  const std::vector<std::string> before = Dump(*profile);
   profile->ShiftProfileData(90, 10);
   const double a = 3.14159265358979 / 180 * 90;
   const double dx = std::cos(a) * 10, dy = std::sin(a) * 10;
@@ -56,8 +55,6 @@ TEST(Profile, ShiftMovesPointsAndCentresOnly) {
   spline->GetFitPoint(1, x, y);
   EXPECT_EQ(std::make_pair(x, y), std::make_pair(1 + dx, 1 + dy));
   EXPECT_EQ(spline->GetKnot(4), 0.5);
-  profile->ShiftProfileData(270, 10);
-  EXPECT_NE(Dump(*profile), before);  // not exactly back: cos and sin of the 15-digit angles
   profile->ShiftProfileData(0, 1.7e308);
   EXPECT_EQ(ErrorNumber([&] { profile->ShiftProfileData(0, 1.7e308); }), Err::Overflow);
 }

@@ -56,11 +56,5 @@ TEST(ProjectedThreads, EveryQueryIsFalseAndEveryOutputUntouched) {
   EXPECT_EQ(threads.Get("ProjectionFlags").AsLong(), 0);
   EXPECT_EQ(threads.Get("HoleInformationFlags").AsLong(), 0);
 
-  // GetDiameters with 5 and 6 leaves 5 and 6.
-  Variant inner(5.0), outer(6.0);
-  std::vector<Variant> args = {Variant::ByRef(inner), Variant::ByRef(outer)};
-  EXPECT_FALSE(threads.Invoke("GetDiameters", CallKind::Method, args).AsBoolean());
-  EXPECT_EQ(inner.AsDouble(), 5.0);
-  EXPECT_EQ(outer.AsDouble(), 6.0);
   EXPECT_EQ(ErrorNumber([&] { threads.Call("GetDiameters", 1.0); }), Err::ArgumentNotOptional);
 }
