@@ -50,7 +50,7 @@ struct Reader {
 
   // A variable driven by an expression is converted from page units to system
   // length units; a plain value is taken as it stands.  The asymmetry is
-  // intended: the host reports expression results in page units.
+  // intended and callers rely on it.
   double ReadVariableInSystemUnits(const Variant& variable) {
     if (ToString(variable.Get("Expression")).empty()) return ToDouble(variable.Get("Value"));
     Variant value = variable.Get("Value");
