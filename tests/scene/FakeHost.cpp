@@ -274,39 +274,4 @@ std::size_t Scene::CallsTo(const std::string& member) const {
   }));
 }
 
-namespace {
-
-class StandInUnitUtils final : public Dispatch<StandInUnitUtils> {
- public:
-  static constexpr std::string_view kClassName = "UnitUtils";
-  static void Describe(ClassBuilder<StandInUnitUtils>& b) {
-    b.PropertyRef<&StandInUnitUtils::GetPage, &StandInUnitUtils::SetPage>("Page")
-        .Method<&StandInUnitUtils::ConvertUnits>("ConvertUnits");
-  }
-  Ref<Object> GetPage() const { return page_; }
-  void SetPage(Ref<Object> p) { page_ = std::move(p); }
-  double ConvertUnits(Ref<Object> page, double value, std::int32_t from, std::int32_t to) {
-    const Variant p(page ? page : page_);
-    auto factor = [&](std::int32_t unit) {
-      static const double kFactors[] = {0.001, 0.01, 1, 0.0254, 0.3048, 0.9144};
-      if (unit >= 1 && unit <= 6) return kFactors[unit - 1];
-      if (unit == 7) return ToDouble(p.Call("UnitsScale", std::int32_t{2}));
-      if (unit == 8) return ToDouble(p.Call("UnitsScale", std::int32_t{1}));
-      if (unit == 9) return 0.017453292519943278;
-      return 1.0;
-    };
-    return value * factor(from) / factor(to);
-  }
-
- private:
-  Ref<Object> page_;
-};
-
-}  // namespace
-
-void EnsureUnitUtils() {
-  if (HasFactory("UnitUtils")) return;
-  RegisterFactory("UnitUtils", [] { return Ref<Object>(MakeRef<StandInUnitUtils>()); });
-}
-
 }  // namespace FakeHost

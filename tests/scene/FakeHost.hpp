@@ -121,8 +121,4 @@ class Scene {
   Shape* root_ = nullptr;
 };
 
-// Registers a minimal UnitUtils (ConvertUnits through the page's UnitsScale)
-// when the library has none yet, so that unit conversions can be tested.
-void EnsureUnitUtils();
-
 }  // namespace FakeHost

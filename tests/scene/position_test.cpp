@@ -15,7 +15,6 @@ namespace {
 constexpr double kDegree = 0.017453292519943278;  // one degree in radians, as the library converts
 
 struct Positions : ::testing::Test {
-  void SetUp() override { FakeHost::EnsureUnitUtils(); }
   Scene scene{0.001, kDegree};  // millimetres and degrees
   FakeHost::Shape* assembly = scene.AddShape(scene.Root(), 1, "Assembly", 1);
   FakeHost::Shape* part = scene.AddShape(assembly, 3, "Part", 2);
