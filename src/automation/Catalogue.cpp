@@ -16,6 +16,7 @@ struct State {
   std::span<const ClassRecord> records;
   std::unordered_map<std::string, Factory> factories;  // by lower-cased class name
   std::unordered_map<std::string, Factory> foreign;    // by lower-cased ProgID
+  SystemFactory system = nullptr;
 };
 
 State& GetState() {
@@ -71,6 +72,12 @@ void RegisterForeignProgId(std::string_view progId, Factory factory) {
     s.foreign.erase(Lower(progId));
 }
 
+void SetSystemFactory(SystemFactory factory) {
+  State& s = GetState();
+  std::lock_guard lock(s.mutex);
+  s.system = factory;
+}
+
 const ClassRecord* FindClass(std::string_view id) noexcept {
   State& s = GetState();
   std::lock_guard lock(s.mutex);
@@ -83,6 +90,7 @@ const ClassRecord* FindClass(std::string_view id) noexcept {
 
 Ref<Object> CreateObject(std::string_view id) {
   Factory factory = nullptr;
+  SystemFactory system = nullptr;
   if (const ClassRecord* r = FindClass(id)) {
     State& s = GetState();
     std::lock_guard lock(s.mutex);
@@ -93,6 +101,12 @@ Ref<Object> CreateObject(std::string_view id) {
     std::lock_guard lock(s.mutex);
     auto it = s.foreign.find(Lower(id));
     if (it != s.foreign.end()) factory = it->second;
+    system = s.system;
+  }
+  if (!factory && system) {
+    Ref<Object> o = system(id);
+    if (!o) Raise(Err::CannotCreateObject);
+    return o;
   }
   if (!factory) Raise(Err::CannotCreateObject);
   Ref<Object> o = factory();

@@ -39,11 +39,19 @@ bool HasFactory(std::string_view className);
 // catalogue, such as the spreadsheet application.
 void RegisterForeignProgId(std::string_view progId, Factory factory);
 
+// Creates objects for identifiers that are neither catalogued nor registered
+// with RegisterForeignProgId, through the operating system (the Windows
+// server creates any ProgID or CLSID the system knows).  It returns Nothing
+// or raises when it cannot.  nullptr removes it.
+using SystemFactory = Ref<Object> (*)(std::string_view progIdOrClsid);
+void SetSystemFactory(SystemFactory factory);
+
 // The record of a ProgID or CLSID ("{...}" or without braces), case-insensitive.
 const ClassRecord* FindClass(std::string_view progIdOrClsid) noexcept;
 
-// Creates a class by ProgID or CLSID; raises 429 when the identifier is unknown
-// or the class cannot be created.
+// Creates a class by ProgID or CLSID (a catalogued class, a registered foreign
+// ProgID, else through the system factory); raises 429 when the identifier is
+// unknown or the class cannot be created.
 Ref<Object> CreateObject(std::string_view progIdOrClsid);
 
 // Registers T's factory at load time: TK_REGISTER_CLASS(TessarkAO::TKVector4d)

@@ -2,6 +2,10 @@
 
 #include <array>
 
+#ifdef _WIN32
+#include "platform/win32/Windows.hpp"
+#endif
+
 namespace TessarkAO {
 
 namespace {
@@ -39,6 +43,20 @@ constexpr std::array<std::pair<std::int32_t, std::string_view>, 24> kStrings = {
 std::optional<std::string_view> LookupString(std::int32_t id) noexcept {
   if (id < kStrings.front().first || id > kStrings.back().first) return std::nullopt;
   return kStrings[static_cast<std::size_t>(id - kStrings.front().first)].second;
+}
+
+std::optional<std::string> LoadStringResource(std::int32_t id) {
+#ifdef _WIN32
+  // LoadStringW with a zero buffer size hands out the resource's own text,
+  // which is not terminated; a length of 0 means there is no such string.
+  const wchar_t* text = nullptr;
+  const int length = LoadStringW(Win32::ThisModule(), static_cast<UINT>(id), reinterpret_cast<LPWSTR>(&text), 0);
+  if (id < 0 || length <= 0 || !text) return std::nullopt;
+  return Win32::Narrow(text, static_cast<std::size_t>(length));
+#else
+  if (auto text = LookupString(id)) return std::string(*text);
+  return std::nullopt;
+#endif
 }
 
 std::span<const std::pair<std::int32_t, std::string_view>> StringTableEntries() noexcept {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -40,6 +41,11 @@ constexpr std::int32_t ImportCancelled = 124;
 
 // The text of `id`, or nothing when the table has no such entry.
 std::optional<std::string_view> LookupString(std::int32_t id) noexcept;
+
+// The text of `id` as the library's resources hold it: on Windows the
+// string resource built into the server DLL from this table, elsewhere the
+// table itself; nothing when there is no such entry.
+std::optional<std::string> LoadStringResource(std::int32_t id);
 
 // Every entry in id order (for the Windows string resource and for tests).
 std::span<const std::pair<std::int32_t, std::string_view>> StringTableEntries() noexcept;

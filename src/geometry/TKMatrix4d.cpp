@@ -415,46 +415,56 @@ void TKMatrix4d::SetRotationFromPointAxisAndAngle(Ref<Object> point, Ref<Object>
 // ---------------------------------------------------------------------------
 // Axis and angle read-back.
 //
-// For a rotation block R built by SetRotationAboutArbitraryAxis with unit
-// axis a and angle t: trace R = 1 + 2 cos t, and the antisymmetric part
-// (R(1,2) - R(2,1), R(2,0) - R(0,2), R(0,1) - R(1,0)) = 2 sin t · a.  The
-// angle comes from the cosine through ArcCos; the axis from the
-// antisymmetric part while the angle is at most 120 degrees, and from the
-// symmetric part R + Rᵀ = 2 cos t · I + 2 (1 - cos t) · a aᵀ beyond, where the
-// sine is too small to carry the direction.  A half turn, whose cosine of -1
-// ArcCos deliberately reports as 0, is recognised before ArcCos is asked.
+// The rotation block R is read as the unit quaternion (w, q) = (cos t/2,
+// sin t/2 · a) of a turn by t about the unit axis a, which stays accurate
+// at every angle: for R as SetRotationAboutArbitraryAxis builds it,
+//   4 w² = 1 + trace R,  4 q_k² = 1 + 2 R(k,k) - trace R,
+//   4 w q = (R(1,2) - R(2,1), R(2,0) - R(0,2), R(0,1) - R(1,0)),
+//   4 q_i q_j = R(i,j) + R(j,i).
+// The largest of w and the q_k is taken from its square root and the others
+// from the products (the usual way to keep every division well away from 0).
+// With w >= 0 the angle lies in [0, 180] degrees.  The half angle comes
+// through ArcCos from whichever of w and |q| is the smaller, where the arc
+// cosine is well conditioned: ArcCos(w) for turns beyond a quarter,
+// ArcCos(0) - ArcCos(|q|) for the others.  Neither argument reaches -1, so
+// ArcCos's deliberate 0 for an opposite direction never applies here.
 
 void TKMatrix4d::AxisAndAngle(double axis[3], double& radians) const {
   const auto& R = m_.e;
-  const double c = Checked::Finite(((R[0][0] + R[1][1] + R[2][2]) - 1.0) / 2.0);
+  const double trace = R[0][0] + R[1][1] + R[2][2];
   const double anti[3] = {R[1][2] - R[2][1], R[2][0] - R[0][2], R[0][1] - R[1][0]};
-  radians = c <= -1.0 ? 2.0 * MatrixMath::ArcCos(0.0) : MatrixMath::ArcCos(c);
+  double w, q[3];
+  int k = 0;
+  if (R[1][1] > R[k][k]) k = 1;
+  if (R[2][2] > R[k][k]) k = 2;
+  if (trace >= R[k][k]) {
+    const double w4 = 2.0 * std::sqrt(std::max(0.0, 1.0 + trace));
+    w = w4 / 4.0;
+    for (int j = 0; j < 3; ++j) q[j] = anti[j] / w4;
+  } else {
+    const double q4 = 2.0 * std::sqrt(std::max(0.0, 1.0 + 2.0 * R[k][k] - trace));
+    q[k] = q4 / 4.0;
+    for (int j = 0; j < 3; ++j)
+      if (j != k) q[j] = (R[k][j] + R[j][k]) / q4;
+    w = anti[k] / q4;
+  }
+  if (w < 0.0) {
+    w = -w;
+    for (double& v : q) v = -v;
+  }
+  const double norm = std::sqrt(w * w + q[0] * q[0] + q[1] * q[1] + q[2] * q[2]);
+  const double sine = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2]);
+  radians = 0.0;
   axis[0] = 0.0;
   axis[1] = 0.0;
   axis[2] = 1.0;
-  if (radians == 0.0) return;  // no rotation: any axis, Z by convention
-
-  double a[3];
-  if (c > -0.5) {
-    a[0] = anti[0];
-    a[1] = anti[1];
-    a[2] = anti[2];
-  } else {
-    const double t = 1.0 - c;
-    int k = 0;
-    if (R[1][1] > R[k][k]) k = 1;
-    if (R[2][2] > R[k][k]) k = 2;
-    const double ak = std::sqrt(std::max(0.0, (R[k][k] - c) / t));
-    if (ak == 0.0) return;
-    for (int j = 0; j < 3; ++j) a[j] = j == k ? ak : (R[k][j] + R[j][k]) / (2.0 * t * ak);
-    // The symmetric part fixes the axis up to its sign; the sine's sign
-    // (through the antisymmetric part) picks the one with an angle <= 180.
-    if (a[0] * anti[0] + a[1] * anti[1] + a[2] * anti[2] < 0.0)
-      for (double& v : a) v = -v;
-  }
-  const double length = std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
-  if (!(length > 0.0) || !std::isfinite(length)) return;
-  for (int j = 0; j < 3; ++j) axis[j] = a[j] / length;
+  if (!std::isfinite(norm)) Raise(Err::Overflow);
+  if (!(sine > 0.0)) return;  // no rotation: any axis, Z by convention
+  w /= norm;
+  const double s = sine / norm;
+  const double half = w < s ? MatrixMath::ArcCos(w) : MatrixMath::ArcCos(0.0) - MatrixMath::ArcCos(s);
+  radians = 2.0 * half;
+  for (int j = 0; j < 3; ++j) axis[j] = q[j] / sine;
   MatrixMath::SnapToZero(axis, 3, epsilon_);
 }
 

@@ -154,44 +154,67 @@ std::int32_t FileExistenceError(std::string_view path) {
   return S_ISDIR(st.st_mode) ? 5 : 0;
 }
 
-bool GetDefaultGuiFont(GuiFontMetrics& font) {
-  if (!FcInit()) return false;
-  FcPattern* pattern = FcNameParse(reinterpret_cast<const FcChar8*>("sans-serif"));
-  if (!pattern) return false;
-  FcConfigSubstitute(nullptr, pattern, FcMatchPattern);
-  FcDefaultSubstitute(pattern);
-  FcResult result = FcResultNoMatch;
-  FcPattern* match = FcFontMatch(nullptr, pattern, &result);
-  bool ok = false;
-  if (match) {
-    FcChar8* family = nullptr;
-    if (FcPatternGetString(match, FC_FAMILY, 0, &family) == FcResultMatch && family) {
-      font.faceName = reinterpret_cast<const char*>(family);
-      ok = true;
+namespace {
+
+// Fontconfig's answer for the default sans-serif face, asked once per
+// process with a private configuration that is freed at once (the global
+// one would live until exit).
+struct FontconfigAnswer {
+  bool found = false;
+  std::string family;
+  double pixels = 0;
+  double dpi = 0;
+  int weight = FC_WEIGHT_REGULAR;
+  int slant = FC_SLANT_ROMAN;
+};
+
+FontconfigAnswer AskFontconfig() {
+  FontconfigAnswer answer;
+  FcConfig* config = FcInitLoadConfigAndFonts();
+  if (!config) return answer;
+  if (FcPattern* pattern = FcNameParse(reinterpret_cast<const FcChar8*>("sans-serif"))) {
+    FcConfigSubstitute(config, pattern, FcMatchPattern);
+    FcDefaultSubstitute(pattern);
+    FcResult result = FcResultNoMatch;
+    if (FcPattern* match = FcFontMatch(config, pattern, &result)) {
+      FcChar8* family = nullptr;
+      if (FcPatternGetString(match, FC_FAMILY, 0, &family) == FcResultMatch && family) {
+        answer.family = reinterpret_cast<const char*>(family);
+        answer.found = true;
+      }
+      double size = 0;
+      if (FcPatternGetDouble(pattern, FC_DPI, 0, &answer.dpi) != FcResultMatch || answer.dpi <= 0) answer.dpi = 96;
+      if (FcPatternGetDouble(match, FC_PIXEL_SIZE, 0, &answer.pixels) != FcResultMatch || answer.pixels <= 0) {
+        if (FcPatternGetDouble(match, FC_SIZE, 0, &size) != FcResultMatch || size <= 0) size = 10;
+        answer.pixels = size * answer.dpi / 72.0;
+      }
+      FcPatternGetInteger(match, FC_WEIGHT, 0, &answer.weight);
+      FcPatternGetInteger(match, FC_SLANT, 0, &answer.slant);
+      FcPatternDestroy(match);
     }
-    double dpi = 0, pixels = 0, size = 0;
-    if (FcPatternGetDouble(pattern, FC_DPI, 0, &dpi) != FcResultMatch || dpi <= 0) dpi = 96;
-    if (FcPatternGetDouble(match, FC_PIXEL_SIZE, 0, &pixels) != FcResultMatch || pixels <= 0) {
-      if (FcPatternGetDouble(match, FC_SIZE, 0, &size) != FcResultMatch || size <= 0) size = 10;
-      pixels = size * dpi / 72.0;
-    }
-    font.pixelsPerInch = static_cast<std::int32_t>(std::lround(dpi));
-    // The metrics' height is in whole pixels, as a device context reports it.
-    font.height = static_cast<std::int32_t>(std::lround(pixels));
-    int weight = FC_WEIGHT_REGULAR, slant = FC_SLANT_ROMAN;
-    FcPatternGetInteger(match, FC_WEIGHT, 0, &weight);
-    FcPatternGetInteger(match, FC_SLANT, 0, &slant);
-    font.weight = FcWeightToOpenType(weight);
-    if (font.weight <= 0) font.weight = 400;
-    font.italic = slant != FC_SLANT_ROMAN;
-    font.underline = false;
-    font.strikeOut = false;
-    // A Japanese system's interface font carries the Shift-JIS set.
-    font.charset = GetSystemDefaultLcid() == 1041 ? 128 : 0;
-    FcPatternDestroy(match);
+    FcPatternDestroy(pattern);
   }
-  FcPatternDestroy(pattern);
-  return ok;
+  FcConfigDestroy(config);
+  return answer;
+}
+
+}  // namespace
+
+bool GetDefaultGuiFont(GuiFontMetrics& font) {
+  static const FontconfigAnswer answer = AskFontconfig();
+  if (!answer.found) return false;
+  font.faceName = answer.family;
+  font.pixelsPerInch = static_cast<std::int32_t>(std::lround(answer.dpi));
+  // The metrics' height is in whole pixels, as a device context reports it.
+  font.height = static_cast<std::int32_t>(std::lround(answer.pixels));
+  font.weight = FcWeightToOpenType(answer.weight);
+  if (font.weight <= 0) font.weight = 400;
+  font.italic = answer.slant != FC_SLANT_ROMAN;
+  font.underline = false;
+  font.strikeOut = false;
+  // A Japanese system's interface font carries the Shift-JIS set.
+  font.charset = GetSystemDefaultLcid() == 1041 ? 128 : 0;
+  return true;
 }
 
 std::int32_t GetSpecialFolder(std::int32_t folder, std::string& path) {

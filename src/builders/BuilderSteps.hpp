@@ -1,0 +1,56 @@
+// Steps the feature builders share: adding a shape of a kind to a container,
+// placing a shape with the builder's own TKPosition, and reaching the path
+// collection of a shape's profile.  All host calls are late-bound; nothing is
+// trapped, so a host failure reaches the builder's caller unchanged.
+#pragma once
+
+#include <cstdint>
+
+#include "automation/Variant.hpp"
+
+namespace TessarkAO::BuilderSteps {
+
+// Shape kinds the builders add (the host's own numbering).
+namespace ShapeKind {
+constexpr std::int16_t Part = 3;
+constexpr std::int16_t Extrude = 5;
+constexpr std::int16_t SheetMetalExtrude = 11;
+constexpr std::int16_t SheetMetalForm = 13;
+constexpr std::int16_t SheetMetalBend = 14;
+}  // namespace ShapeKind
+
+// Component type codes written by the builders.
+namespace Component {
+constexpr std::int32_t Sizebox = 1;
+constexpr std::int32_t Extrude = 14;
+constexpr std::int32_t Profile = 15;
+constexpr std::int32_t SheetMetalPart = 62;
+constexpr std::int32_t SheetMetalExtrude = 63;
+constexpr std::int32_t SheetMetalBend = 66;
+constexpr std::int32_t SheetMetalForm = 67;
+}  // namespace Component
+
+// A new shape of `kind` in the shape collection that receives the children of
+// `container` (its group or history component): Shapes(kind).Add.
+Variant AddShape(const Variant& container, std::int16_t kind);
+
+// The component lookup of the builders: Components(type).Item(1), or
+// Components(type).Add when the shape has none yet.
+Variant LookupComponent(const Variant& shape, std::int32_t type);
+
+// Places `shape` with the builder's position: the position's Shape becomes
+// `shape`, SetShapePosition writes the placement, the anchor is set to the
+// origin and written with SetAnchorPosition.  With `zeroAfterPlacing` the
+// position is zeroed (ZeroAll) between the two, as a new part does so that
+// the feature inside it starts at the part's origin.
+void Place(const Variant& position, const Variant& shape, bool zeroAfterPlacing);
+
+// Regenerates a finished feature: Update, ResetSizeBox, then the size-box
+// variables 15, 8, 9, 10, 14, 4, 5, 6, 7 in that order with the values given
+// (the host's parameters, sent exactly as listed).
+void FinishWithSizebox(const Variant& shape, const std::int16_t (&values)[9]);
+
+// The path collection (Components(3)) of the profile of `shape`'s profile component.
+Variant ProfilePaths(const Variant& shape);
+
+}  // namespace TessarkAO::BuilderSteps

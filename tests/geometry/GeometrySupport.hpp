@@ -1,0 +1,127 @@
+// Shared helpers of the geometry tests: late-bound calls, a recording
+// foreign object, seeded random inputs and the literal models the fast
+// paths are compared with.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "automation/Convert.hpp"
+#include "geometry/TK2DLine.hpp"
+#include "geometry/TKMatrix4d.hpp"
+#include "geometry/TKTransform.hpp"
+#include "geometry/TKVector4d.hpp"
+
+namespace TessarkAO::Testing {
+
+inline Variant Call(const Ref<Object>& o, std::string_view name, std::vector<Variant> args = {},
+                    CallKind kind = CallKind::Method) {
+  return o->Invoke(name, kind, args);
+}
+
+inline int ErrorOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const AutomationError& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
+// An object that is not one of ours: it answers by name, forwarding to a
+// native object, records each call, and lacks the members named in `missing`.
+class Foreign final : public Object {
+ public:
+  explicit Foreign(Ref<Object> inner, std::set<std::string> missing = {})
+      : inner_(std::move(inner)), missing_(std::move(missing)) {}
+  Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
+    calls.emplace_back(name);
+    if (missing_.count(std::string(name))) Raise(Err::NoSuchMember);
+    return inner_->Invoke(name, kind, args);
+  }
+  std::vector<std::string> calls;
+
+ private:
+  Ref<Object> inner_;
+  std::set<std::string> missing_;
+};
+
+inline Ref<TKVector4d> Vec(double x, double y, double z, double w = 0.0) {
+  auto v = MakeRef<TKVector4d>();
+  v->Assign(Vec4{{x, y, z, w}}, kDefaultEpsilon);
+  return v;
+}
+
+inline Ref<TKMatrix4d> Mat(const Mat4& m) {
+  auto r = MakeRef<TKMatrix4d>();
+  r->Assign(m, kDefaultEpsilon);
+  return r;
+}
+
+inline Vec4 Components(const Ref<Object>& v) {
+  return RefCast<TKVector4d>(v)->Components();
+}
+
+// Seeded inputs: coordinates in [-range, range].
+struct Random {
+  std::mt19937_64 gen;
+  explicit Random(std::uint64_t seed) : gen(seed) {}
+  double Uniform(double lo, double hi) { return std::uniform_real_distribution<double>(lo, hi)(gen); }
+  Ref<TKVector4d> Vector(double range = 10.0) {
+    return Vec(Uniform(-range, range), Uniform(-range, range), Uniform(-range, range));
+  }
+  Mat4 Matrix(double range = 10.0) {
+    Mat4 m;
+    for (auto& row : m.e)
+      for (double& x : row) x = Uniform(-range, range);
+    return m;
+  }
+};
+
+// ---- Literal models ---------------------------------------------------------
+
+// C(i, j) = sum over k = 0..3 of A(i, k) · B(k, j), from an accumulator of 0.
+inline Mat4 LiteralProduct(const Mat4& a, const Mat4& b) {
+  Mat4 c;
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < 4; ++j) {
+      double sum = 0.0;
+      for (int k = 0; k < 4; ++k) sum = sum + a.e[i][k] * b.e[k][j];
+      c.e[i][j] = sum;
+    }
+  return c;
+}
+
+// MultiplyByVector: (X, Y, Z) · 3×3 block, set through SetPosition (cleaned
+// with 1e-9); MultiplyByPoint then adds the translation row.
+inline Vec4 LiteralPoint(const Mat4& m, const Vec4& p, bool addTranslation) {
+  Vec4 r{{0.0, 0.0, 0.0, 0.0}};
+  for (int j = 0; j < 3; ++j) {
+    double sum = 0.0;
+    for (int k = 0; k < 3; ++k) sum = sum + p.c[k] * m.e[k][j];
+    r.c[j] = std::abs(sum) < 1e-9 ? 0.0 : sum;
+  }
+  if (addTranslation)
+    for (int j = 0; j < 3; ++j) r.c[j] = r.c[j] + m.e[3][j];
+  return r;
+}
+
+inline bool Near(const Mat4& a, const Mat4& b, double tolerance) {
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < 4; ++j)
+      if (!(std::abs(a.e[i][j] - b.e[i][j]) <= tolerance)) return false;
+  return true;
+}
+
+inline bool Same(const Mat4& a, const Mat4& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+inline double Norm(double x, double y, double z) { return std::sqrt(x * x + y * y + z * z); }
+
+}  // namespace TessarkAO::Testing

@@ -1,0 +1,111 @@
+// TKTransform: the documented values, the live local axes, and the frame
+// matrix kept equal to the placement of the position and the local axes
+// through random sequences of every member.
+#include "GeometrySupport.hpp"
+
+using namespace TessarkAO;
+using namespace TessarkAO::Testing;
+
+namespace {
+
+// The placement the frame matrix must hold: rows 0 to 2 the local axes, row
+// 3 the position.
+Mat4 Placement(const TKTransform& t) {
+  Mat4 m = MatrixMath::Identity();
+  for (int i = 0; i < 3; ++i) {
+    const Vec4& a = t.AxisVector(i + 1)->Components();
+    for (int j = 0; j < 3; ++j) m.e[i][j] = a.c[j];
+  }
+  t.GetPosition(m.e[3][0], m.e[3][1], m.e[3][2]);
+  return m;
+}
+
+}  // namespace
+
+TEST(Transform, DocumentedValues) {
+  auto t = MakeRef<TKTransform>();
+  double x, y, z, d;
+  t->GetRotation(x, y, z, d);
+  EXPECT_EQ(Norm(x, y, z) + d, 0.0);
+  EXPECT_EQ(t->AxisVector(1)->X(), 1.0);
+  t->SetRotation(0, 0, 2, 90);
+  t->GetRotation(x, y, z, d);
+  EXPECT_EQ(z, 1.0);
+  EXPECT_EQ(d, 90.0);
+  const Vec4 axis1 = t->AxisVector(1)->Components();
+  EXPECT_EQ(axis1.c[0], 0.0);
+  EXPECT_EQ(axis1.c[1], 1.0);
+  t->ShiftLocal(5, 0, 0);
+  t->GetPosition(x, y, z);
+  EXPECT_EQ(x, 0.0);
+  EXPECT_EQ(y, 5.0);
+  t->SetPosition(1e-12, 1, 2);
+  t->GetPosition(x, y, z);
+  EXPECT_EQ(x, 0.0);
+  auto other = t->AxisVector(4);
+  EXPECT_EQ(other->Length(), 0.0);
+  EXPECT_EQ(t->AxisVector(1)->Y(), 1.0);
+
+  // RotateAboutLocalAxis turns the axes but not the stored rotation.
+  t->RotateAboutLocalAxis(3, 90);
+  t->GetRotation(x, y, z, d);
+  EXPECT_EQ(d, 90.0);
+  EXPECT_EQ(t->AxisVector(1)->X(), -1.0);
+  t->SetPosition(0, 0, 0);
+  const Vec4 p = Components(t->FrameMatrix().MultiplyByPoint(Vec(1, 0, 0)));
+  EXPECT_EQ(p.c[0], -1.0);
+}
+
+TEST(Transform, LocalAxesAreLiveAndShiftLocalRaisesAlongAZeroAxis) {
+  auto t = MakeRef<TKTransform>();
+  t->AxisVector(2)->SetPosition(0, 0, 2);  // the transform's own axis changes
+  t->ShiftLocal(0, 3, 0);
+  double x, y, z;
+  t->GetPosition(x, y, z);
+  EXPECT_EQ(z, 3.0);
+  t->AxisVector(1)->Zero();
+  EXPECT_EQ(ErrorOf([&] { t->ShiftLocal(1, 0, 0); }), 11);
+  EXPECT_EQ(ErrorOf([&] { t->ShiftLocal(0, 0, 0); }), 6);
+  t->GetPosition(x, y, z);
+  EXPECT_EQ(z, 3.0);
+  Ref<Object> o = t;
+  EXPECT_EQ(ErrorOf([&] { Call(o, "InheritTransform", {Variant::Nothing()}); }), 91);
+}
+
+TEST(Transform, FrameMatrixFollowsEveryMember) {
+  for (std::uint64_t seed = 1; seed <= 6; ++seed) {
+    Random rnd(seed);
+    auto t = MakeRef<TKTransform>();
+    for (int step = 0; step < 150; ++step) {
+      const int op = static_cast<int>(rnd.Uniform(0, 7));
+      const double a = rnd.Uniform(-10, 10), b = rnd.Uniform(-10, 10), c = rnd.Uniform(-10, 10);
+      switch (op) {
+        case 0: t->SetPosition(a, b, c); break;
+        case 1: t->Shift(a, b, c); break;
+        case 2: t->ShiftLocal(a, b, c); break;
+        case 3: t->RotateAboutLocalAxis(1 + step % 3, rnd.Uniform(-360, 360)); break;
+        case 4: {
+          auto source = MakeRef<TKTransform>();
+          source->SetPosition(a, b, c);
+          source->SetRotation(b, c, a, rnd.Uniform(-360, 360));
+          auto foreign = MakeRef<Foreign>(source);
+          t->InheritTransform(foreign);
+          EXPECT_EQ(foreign->calls, (std::vector<std::string>{"GetPosition", "GetRotation"}));
+          break;
+        }
+        default: {
+          const double degrees = rnd.Uniform(-360, 360);
+          t->SetRotation(a, b, c, degrees);
+          // Exactly the placement of position, stored axis and angle.
+          double x, y, z, d, px, py, pz;
+          t->GetRotation(x, y, z, d);
+          t->GetPosition(px, py, pz);
+          TKMatrix4d model;
+          model.SetRotationFromPointAxisAndAngle(Vec(px, py, pz), Vec(x, y, z), d);
+          EXPECT_TRUE(Same(t->FrameMatrix().Elements(), model.Elements()));
+        }
+      }
+      ASSERT_TRUE(Near(t->FrameMatrix().Elements(), Placement(*t), 1e-9)) << seed << " " << step;
+    }
+  }
+}

@@ -1,0 +1,498 @@
+// The registry store: Win32 semantics (handles, names, data, status codes),
+// .reg import and export, and the file's behaviour under concurrent
+// writers, crashes, damage and refused access.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <set>
+
+#include "PlatformTestSupport.hpp"
+#include "platform/RegFile.hpp"
+#include "platform/Registry.hpp"
+#include "platform/posix/Syscalls.hpp"
+
+using namespace TessarkAO;
+using TessarkAO::Testing::TempDir;
+
+namespace {
+
+std::vector<std::uint8_t> Bytes(std::string_view s) { return {s.begin(), s.end()}; }
+
+class RegistryStoreTest : public ::testing::Test {
+ protected:
+  void SetUp() override { store_ = OpenRegistryStore(dir_ / "reg.sqlite3"); }
+  void TearDown() override { RestorePosixCalls(); }
+
+  RegHandle Create(RegHandle root, std::string_view path) {
+    RegHandle h = 0;
+    EXPECT_EQ(store_->CreateKey(root, path, h), 0) << store_->LastError();
+    return h;
+  }
+  void Put(RegHandle key, std::string_view name, std::uint32_t type, std::string_view data) {
+    ASSERT_EQ(store_->SetValue(key, name, type, reinterpret_cast<const std::uint8_t*>(data.data()),
+                               static_cast<std::uint32_t>(data.size())),
+              0)
+        << store_->LastError();
+  }
+  // The value's type and bytes, or the failing status.
+  RegStatus Get(RegHandle key, std::string_view name, std::uint32_t& type, std::string& data) {
+    std::uint32_t size = 0;
+    RegStatus s = store_->QueryValue(key, name, &type, nullptr, &size);
+    if (s != 0) return s;
+    std::vector<std::uint8_t> buf(size + 1, 0xAA);
+    std::uint32_t n = size;
+    s = store_->QueryValue(key, name, &type, buf.data(), &n);
+    data.assign(reinterpret_cast<const char*>(buf.data()), n);
+    return s;
+  }
+
+  TempDir dir_;
+  std::unique_ptr<RegistryStore> store_;
+};
+
+TEST_F(RegistryStoreTest, MissingFileIsAnEmptyStoreCreatedOnFirstWrite) {
+  const std::string path = dir_ / "deep/er/reg.sqlite3";
+  auto store = OpenRegistryStore(path);
+  RegHandle h = 0;
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "SOFTWARE", RegAccess::Read, h), WinError::FileNotFound);
+  std::uint32_t size = 0;
+  EXPECT_EQ(store->QueryValue(kHkeyLocalMachine, "", nullptr, nullptr, &size), WinError::FileNotFound);
+  std::string text;
+  EXPECT_EQ(store->ExportRegText(0, "", text), 0);
+  EXPECT_EQ(text, kRegFileHeader);
+  EXPECT_FALSE(std::filesystem::exists(path)) << "reads must not create the file";
+
+  ASSERT_EQ(store->CreateKey(kHkeyCurrentUser, "SOFTWARE\\Tessark", h), 0) << store->LastError();
+  EXPECT_TRUE(std::filesystem::exists(path));
+  EXPECT_EQ(store->CloseKey(h), 0);
+}
+
+TEST_F(RegistryStoreTest, HandlesAndRoots) {
+  RegHandle h = 0;
+  // Only the three roots and open handles are valid.
+  for (RegHandle bad : {0u, 0x80000003u, 0x80000004u, 0x12345u}) {
+    EXPECT_EQ(store_->OpenKey(bad, "x", RegAccess::Read, h), WinError::InvalidHandle) << bad;
+    EXPECT_EQ(store_->CreateKey(bad, "x", h), WinError::InvalidHandle) << bad;
+    EXPECT_EQ(store_->QueryValue(bad, "x", nullptr, nullptr, nullptr), WinError::InvalidHandle) << bad;
+  }
+  EXPECT_EQ(store_->CloseKey(0x4242), WinError::InvalidHandle);
+  EXPECT_EQ(store_->CloseKey(kHkeyCurrentUser), 0);
+
+  // The roots are separate trees.
+  const RegHandle cu = Create(kHkeyCurrentUser, "Software\\A");
+  Put(cu, "v", RegType::String, std::string_view("cu\0", 3));
+  EXPECT_EQ(store_->OpenKey(kHkeyLocalMachine, "Software\\A", RegAccess::Read, h), WinError::FileNotFound);
+  EXPECT_EQ(store_->OpenKey(kHkeyClassesRoot, "Software\\A", RegAccess::Read, h), WinError::FileNotFound);
+
+  // A handle closed is gone; handles never take the roots' values.
+  EXPECT_LT(cu, 0x80000000u);
+  EXPECT_EQ(store_->CloseKey(cu), 0);
+  EXPECT_EQ(store_->CloseKey(cu), WinError::InvalidHandle);
+  EXPECT_EQ(store_->QueryValue(cu, "v", nullptr, nullptr, nullptr), WinError::InvalidHandle);
+}
+
+TEST_F(RegistryStoreTest, NamesAreCaseInsensitiveAndKeepTheirFirstSpelling) {
+  const RegHandle k = Create(kHkeyCurrentUser, "SOFTWARE\\Tessark\\AddOns");
+  Put(k, "LastRunProductName", RegType::String, std::string_view("TESSARK\0", 8));
+  RegHandle h = 0;
+  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "software\\TESSARK\\addons\\", RegAccess::Read, h), 0);
+  std::uint32_t type = 0;
+  std::string data;
+  ASSERT_EQ(Get(h, "lastrunproductname", type, data), 0);
+  EXPECT_EQ(data, std::string("TESSARK\0", 8));
+
+  // Rewriting under another spelling replaces the value and keeps the name.
+  Put(k, "LASTRUNPRODUCTNAME", RegType::String, "X");
+  std::string name;
+  std::vector<std::uint8_t> bytes;
+  ASSERT_EQ(store_->EnumValue(h, 0, name, &type, &bytes), 0);
+  EXPECT_EQ(name, "LastRunProductName");
+  EXPECT_EQ(bytes, Bytes("X"));
+  EXPECT_EQ(store_->EnumValue(h, 1, name, &type, &bytes), WinError::NoMoreItems);
+
+  // Creating a key spelled otherwise opens the existing one.
+  const RegHandle again = Create(kHkeyCurrentUser, "Software\\tessark");
+  ASSERT_EQ(store_->EnumKey(again, 0, name), 0);
+  EXPECT_EQ(name, "AddOns");
+  ASSERT_EQ(store_->EnumKey(kHkeyCurrentUser, 0, name), 0);
+  EXPECT_EQ(name, "SOFTWARE");
+
+  // Text outside ASCII folds too.
+  const RegHandle u = Create(kHkeyCurrentUser, "Software\\Ärger");
+  Put(u, "Größe", RegType::Dword, std::string_view("\x01\0\0\0", 4));
+  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "SOFTWARE\\äRGER", RegAccess::Read, h), 0);
+  EXPECT_EQ(Get(h, "GRÖSSE", type, data), WinError::FileNotFound);  // no special casing of ß
+  EXPECT_EQ(Get(h, "GRÖßE", type, data), 0);
+}
+
+TEST_F(RegistryStoreTest, DataIsKeptAsWritten) {
+  const RegHandle k = Create(kHkeyCurrentUser, "T");
+  Put(k, "", RegType::String, std::string_view("default\0", 8));  // the key's default value
+  Put(k, "raw", RegType::String, "abc");                           // no terminating NUL
+  Put(k, "empty", RegType::String, "");
+  Put(k, "bin", RegType::Binary, std::string_view("\0\1\2\xff", 4));
+  Put(k, "odd", 0x1234, "?");
+
+  std::uint32_t type = 0, size = 0;
+  ASSERT_EQ(store_->QueryValue(k, "raw", &type, nullptr, &size), 0);
+  EXPECT_EQ(type, RegType::String);
+  EXPECT_EQ(size, 3u);
+  std::uint8_t buf[8];
+  std::memset(buf, 'Z', sizeof buf);
+  // Too small: 234 and the size needed, nothing copied.
+  std::uint32_t n = 2;
+  EXPECT_EQ(store_->QueryValue(k, "raw", &type, buf, &n), WinError::MoreData);
+  EXPECT_EQ(n, 3u);
+  EXPECT_EQ(buf[0], 'Z');
+  // Exactly the size: the bytes, no NUL added.
+  n = 3;
+  ASSERT_EQ(store_->QueryValue(k, "raw", &type, buf, &n), 0);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(buf), 4), "abcZ");
+  // With room, string data gains the NUL it was stored without.
+  n = sizeof buf;
+  ASSERT_EQ(store_->QueryValue(k, "raw", &type, buf, &n), 0);
+  EXPECT_EQ(n, 3u);
+  EXPECT_EQ(buf[3], 0);
+
+  std::string data;
+  ASSERT_EQ(Get(k, "", type, data), 0);
+  EXPECT_EQ(data, std::string("default\0", 8));
+  ASSERT_EQ(Get(k, "empty", type, data), 0);
+  EXPECT_EQ(data, "");
+  ASSERT_EQ(Get(k, "bin", type, data), 0);
+  EXPECT_EQ(type, RegType::Binary);
+  EXPECT_EQ(data, std::string("\0\1\2\xff", 4));
+  ASSERT_EQ(Get(k, "odd", type, data), 0);
+  EXPECT_EQ(type, 0x1234u);
+  EXPECT_EQ(Get(k, "missing", type, data), WinError::FileNotFound);
+
+  // A name ends at its first NUL, as a C string does.
+  ASSERT_EQ(Get(k, std::string_view("raw\0junk", 8), type, data), 0);
+  EXPECT_EQ(data, "abc");
+
+  // RegSetValueA stores a default value with its NUL, creating the subkey.
+  ASSERT_EQ(store_->SetKeyDefault(kHkeyClassesRoot, "Tool.Class\\Clsid", "{1234}"), 0);
+  RegHandle clsid = 0;
+  ASSERT_EQ(store_->OpenKey(kHkeyClassesRoot, "Tool.Class\\Clsid", RegAccess::Read, clsid), 0);
+  ASSERT_EQ(Get(clsid, "", type, data), 0);
+  EXPECT_EQ(data, std::string("{1234}\0", 7));
+}
+
+TEST_F(RegistryStoreTest, AccessRightsPathsAndDeletion) {
+  const RegHandle w = Create(kHkeyCurrentUser, "A\\B\\C");
+  Put(w, "v", RegType::String, "1");
+  RegHandle r = 0;
+  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\B\\C", RegAccess::QueryValue, r), 0);
+  EXPECT_EQ(store_->SetValue(r, "v", RegType::String, nullptr, 0), WinError::AccessDenied);
+  EXPECT_EQ(store_->DeleteValue(r, "v"), WinError::AccessDenied);
+  RegHandle setOnly = 0;
+  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\B\\C", RegAccess::SetValue, setOnly), 0);
+  EXPECT_EQ(store_->QueryValue(setOnly, "v", nullptr, nullptr, nullptr), WinError::AccessDenied);
+
+  RegHandle h = 0;
+  EXPECT_EQ(store_->CreateKey(kHkeyCurrentUser, "\\A", h), WinError::BadPathname);
+  EXPECT_EQ(store_->CreateKey(kHkeyCurrentUser, "A\\\\B", h), WinError::BadPathname);
+  EXPECT_EQ(store_->CreateKey(kHkeyCurrentUser, std::string(256, 'k'), h), WinError::InvalidParameter);
+  EXPECT_EQ(store_->CreateKey(kHkeyCurrentUser, std::string(255, 'k'), h), 0);
+
+  // Relative opens below an open key.
+  const RegHandle a = Create(kHkeyCurrentUser, "A");
+  ASSERT_EQ(store_->OpenKey(a, "b\\c", RegAccess::Read, h), 0);
+  std::uint32_t type = 0;
+  std::string data;
+  ASSERT_EQ(Get(h, "V", type, data), 0);
+
+  // A key with subkeys cannot be deleted on its own; the tree can.
+  EXPECT_EQ(store_->DeleteKey(kHkeyCurrentUser, "A\\B"), WinError::AccessDenied);
+  EXPECT_EQ(store_->DeleteKey(kHkeyCurrentUser, "A\\B\\C"), 0);
+  EXPECT_EQ(store_->DeleteKey(kHkeyCurrentUser, "A\\B\\C"), WinError::FileNotFound);
+  // Writing through a handle to a deleted key fails with 1018.
+  EXPECT_EQ(store_->SetValue(w, "v", RegType::String, nullptr, 0), WinError::KeyDeleted);
+
+  Create(kHkeyCurrentUser, "A\\B\\D\\E");
+  Create(kHkeyCurrentUser, "A\\BB");  // a sibling whose name starts alike survives
+  ASSERT_EQ(store_->DeleteTree(kHkeyCurrentUser, "a\\b"), 0);
+  EXPECT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\B\\D\\E", RegAccess::Read, h), WinError::FileNotFound);
+  EXPECT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\B", RegAccess::Read, h), WinError::FileNotFound);
+  EXPECT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\BB", RegAccess::Read, h), 0);
+  EXPECT_EQ(store_->DeleteKey(kHkeyCurrentUser, ""), WinError::AccessDenied);
+}
+
+TEST_F(RegistryStoreTest, RegFilesRoundTripByteForByte) {
+  const RegHandle k = Create(kHkeyCurrentUser, "SOFTWARE\\Tessark\\VelloraSuite\\AddOns");
+  Put(k, "LastRunProductName", RegType::String, std::string_view("TESSARK\0", 8));
+  Put(k, "", RegType::String, std::string_view("quote \" and \\ back\0", 19));
+  Put(k, "Count", RegType::Dword, std::string_view("\x0c\0\0\0", 4));
+  Put(k, "Unterminated", RegType::String, "abc");
+  Put(k, "Lines", RegType::String, std::string_view("a\r\nb\0", 5));
+  Put(k, "Long", RegType::Binary, std::string(100, '\x5a'));
+  Put(k, "Short dword", RegType::Dword, "\x01");
+  Create(kHkeyLocalMachine, "SOFTWARE\\Empty");
+
+  std::string text;
+  ASSERT_EQ(store_->ExportRegText(0, "", text), 0);
+  EXPECT_EQ(text.rfind("REGEDIT4\r\n", 0), 0u);
+  EXPECT_NE(text.find("[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\VelloraSuite\\AddOns]\r\n"), std::string::npos);
+  EXPECT_NE(text.find("\"LastRunProductName\"=\"TESSARK\"\r\n"), std::string::npos);
+  EXPECT_NE(text.find("@=\"quote \\\" and \\\\ back\"\r\n"), std::string::npos);
+  EXPECT_NE(text.find("\"Count\"=dword:0000000c\r\n"), std::string::npos);
+  EXPECT_NE(text.find("\"Unterminated\"=hex(1):61,62,63\r\n"), std::string::npos);
+  EXPECT_NE(text.find("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Empty]"), std::string::npos);
+  for (std::size_t pos = 0, end; (end = text.find("\r\n", pos)) != std::string::npos; pos = end + 2)
+    EXPECT_LE(end - pos, 80u) << "lines are wrapped";
+
+  auto copy = OpenRegistryStore(dir_ / "copy.sqlite3");
+  ASSERT_EQ(copy->ImportRegText(text), 0) << copy->LastError();
+  std::string again;
+  ASSERT_EQ(copy->ExportRegText(0, "", again), 0);
+  EXPECT_EQ(again, text);
+
+  // A subtree alone, and through a file.
+  const std::string file = dir_ / "addons.reg";
+  ASSERT_EQ(store_->ExportRegFile(file, kHkeyCurrentUser, "software\\tessark\\vellorasuite"), 0);
+  std::ifstream in(file, std::ios::binary);
+  std::string sub((std::istreambuf_iterator<char>(in)), {});
+  EXPECT_NE(sub.find("AddOns]"), std::string::npos);
+  EXPECT_EQ(sub.find("HKEY_LOCAL_MACHINE"), std::string::npos);
+  EXPECT_EQ(store_->ExportRegText(kHkeyCurrentUser, "No\\Such", again), WinError::FileNotFound);
+  EXPECT_EQ(store_->ExportRegText(0x1234, "", again), WinError::InvalidHandle);
+}
+
+TEST_F(RegistryStoreTest, RegImportAppliesDeletionsAndIsAllOrNothing) {
+  ASSERT_EQ(store_->ImportRegText("REGEDIT4\n\n[HKCU\\Software\\X]\n\"a\"=\"1\"\n\"b\"=\"2\"\n"
+                                  "\"c\"=hex:01,02,\\\n  03,04\n\n[HKEY_CURRENT_USER\\Software\\Y\\Z]\n"),
+            0)
+      << store_->LastError();
+  RegHandle x = 0;
+  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "Software\\X", RegAccess::Read, x), 0);
+  std::uint32_t type = 0;
+  std::string data;
+  ASSERT_EQ(Get(x, "c", type, data), 0);
+  EXPECT_EQ(data, std::string("\1\2\3\4", 4));
+
+  ASSERT_EQ(store_->ImportRegText("REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\X]\r\n\"a\"=-\r\n"
+                                  "[-HKEY_CURRENT_USER\\Software\\Y]\r\n"),
+            0);
+  EXPECT_EQ(Get(x, "a", type, data), WinError::FileNotFound);
+  EXPECT_EQ(Get(x, "b", type, data), 0);
+  RegHandle h = 0;
+  EXPECT_EQ(store_->OpenKey(kHkeyCurrentUser, "Software\\Y\\Z", RegAccess::Read, h), WinError::FileNotFound);
+
+  // A bad line anywhere applies nothing and names the line.
+  struct Bad {
+    const char* text;
+    const char* message;
+  } bad[] = {
+      {"Windows Registry Editor Version 5.00\n", "line 1"},
+      {"", "REGEDIT4"},
+      {"REGEDIT4\n[HKEY_USERS\\x]\n", "line 2: unknown root key 'HKEY_USERS'"},
+      {"REGEDIT4\n\"v\"=\"1\"\n", "line 2"},
+      {"REGEDIT4\n[HKCU\\x]\n\"v\"=dword:123456789\n", "line 3"},
+      {"REGEDIT4\n[HKCU\\x]\n\"v\"=hex:1,2\n", "line 3"},
+      {"REGEDIT4\n[HKCU\\x]\n\"v\"=\"open\n", "line 3"},
+      {"REGEDIT4\n[HKCU\\x]\n\"v\"=word:1\n", "line 3"},
+      {"REGEDIT4\n[HKCU\\x\n", "line 2"},
+  };
+  for (const Bad& b : bad) {
+    EXPECT_EQ(store_->ImportRegText(b.text), WinError::InvalidData) << b.text;
+    EXPECT_NE(store_->LastError().find(b.message), std::string::npos) << store_->LastError();
+  }
+  // The valid part of a failing file is not applied either.
+  EXPECT_EQ(store_->ImportRegText("REGEDIT4\n[HKCU\\Software\\X]\n\"b\"=\"changed\"\n\"bad\"=?\n"),
+            WinError::InvalidData);
+  ASSERT_EQ(Get(x, "b", type, data), 0);
+  EXPECT_EQ(data, std::string("2\0", 2));
+  EXPECT_EQ(store_->ImportRegFile(dir_ / "missing.reg"), WinError::FileNotFound);
+  EXPECT_NE(store_->LastError().find("missing.reg"), std::string::npos);
+}
+
+TEST_F(RegistryStoreTest, CorruptOrUnreadableStoreGivesAClearStatus) {
+  RegHandle h = 0;
+  // Not a database at all.
+  const std::string garbage = dir_ / "garbage.sqlite3";
+  std::ofstream(garbage) << "this is not a registry store, just some text long enough";
+  auto store = OpenRegistryStore(garbage);
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "Software", RegAccess::Read, h), WinError::RegistryCorrupt);
+  EXPECT_NE(store->LastError().find(garbage), std::string::npos);
+  EXPECT_NE(store->LastError().find("corrupt"), std::string::npos);
+  EXPECT_EQ(store->CreateKey(kHkeyCurrentUser, "Software", h), WinError::RegistryCorrupt);
+  EXPECT_EQ(store->ImportRegText("REGEDIT4\n[HKCU\\a]\n"), WinError::RegistryCorrupt);
+
+  // A real store whose pages were overwritten.
+  const std::string damaged = dir_ / "damaged.sqlite3";
+  {
+    auto good = OpenRegistryStore(damaged);
+    ASSERT_EQ(good->CreateKey(kHkeyCurrentUser, "Software\\Kept", h), 0);
+  }
+  std::filesystem::remove(damaged + "-wal");
+  std::filesystem::remove(damaged + "-shm");
+  {
+    std::fstream f(damaged, std::ios::in | std::ios::out | std::ios::binary);
+    f.seekp(16);
+    const std::string junk(4096, '\xEE');
+    f.write(junk.data(), static_cast<std::streamsize>(junk.size()));
+  }
+  store = OpenRegistryStore(damaged);
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Kept", RegAccess::Read, h), WinError::RegistryCorrupt);
+  EXPECT_NE(store->LastError().find("corrupt"), std::string::npos);
+
+  // A database of some other program.
+  const std::string foreign = dir_ / "foreign.sqlite3";
+  {
+    auto good = OpenRegistryStore(foreign);
+    ASSERT_EQ(good->CreateKey(kHkeyCurrentUser, "x", h), 0);
+  }
+  {
+    std::fstream f(foreign, std::ios::in | std::ios::out | std::ios::binary);
+    f.seekp(68);  // the header's application id
+    f.write("\0\0\0\1", 4);
+  }
+  store = OpenRegistryStore(foreign);
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), WinError::RegistryCorrupt);
+  EXPECT_NE(store->LastError().find("another program"), std::string::npos);
+
+  // A folder where the file should be.
+  store = OpenRegistryStore(dir_.Path());
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), WinError::AccessDenied);
+  EXPECT_NE(store->LastError().find("folder"), std::string::npos);
+
+  // A file the process may not read (made to fail, since tests may run as root).
+  store = OpenRegistryStore(dir_ / "reg.sqlite3");
+  ASSERT_EQ(store->CreateKey(kHkeyCurrentUser, "x", h), 0);
+  store = OpenRegistryStore(dir_ / "reg.sqlite3");
+  PosixCalls().open = [](const char*, int, mode_t) -> int {
+    errno = EACCES;
+    return -1;
+  };
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), WinError::AccessDenied);
+  EXPECT_NE(store->LastError().find("Permission denied"), std::string::npos);
+  RestorePosixCalls();
+  PosixCalls().read = [](int, void*, std::size_t) -> ssize_t {
+    errno = EIO;
+    return -1;
+  };
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), WinError::RegistryIoFailed);
+  // Once the file can be read again, the same store works.
+  RestorePosixCalls();
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), 0);
+  EXPECT_EQ(store->LastError(), "");
+
+  // A folder that cannot be created for a new store.
+  PosixCalls().mkdir = [](const char*, mode_t) -> int {
+    errno = EACCES;
+    return -1;
+  };
+  store = OpenRegistryStore(dir_ / "new/reg.sqlite3");
+  EXPECT_EQ(store->CreateKey(kHkeyCurrentUser, "x", h), WinError::AccessDenied);
+}
+
+// Runs `body` in a child process; returns its exit status.
+template <class F>
+pid_t Spawn(F body) {
+  const pid_t pid = fork();
+  if (pid == 0) _exit(body());
+  return pid;
+}
+
+int ExitCode(pid_t pid) {
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+TEST_F(RegistryStoreTest, TwoProcessesWritingAtOnceLoseNothing) {
+  const std::string path = dir_ / "shared.sqlite3";
+  constexpr int kEach = 1000;
+  auto writer = [&](char tag) {
+    return [&path, tag] {
+      auto store = OpenRegistryStore(path);
+      for (int i = 0; i < kEach; ++i) {
+        RegHandle h = 0;
+        if (store->CreateKey(kHkeyCurrentUser, "Software\\Shared", h) != 0) return 1;
+        const std::string name = std::string(1, tag) + std::to_string(i);
+        if (store->SetValue(h, name, RegType::Dword, reinterpret_cast<const std::uint8_t*>(&i), 4) != 0) return 2;
+        store->CloseKey(h);
+      }
+      return 0;
+    };
+  };
+  const pid_t a = Spawn(writer('a'));
+  const pid_t b = Spawn(writer('b'));
+  ASSERT_EQ(ExitCode(a), 0);
+  ASSERT_EQ(ExitCode(b), 0);
+
+  auto store = OpenRegistryStore(path);
+  RegHandle h = 0;
+  ASSERT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, h), 0);
+  std::set<std::string> names;
+  std::string name;
+  for (std::uint32_t i = 0; store->EnumValue(h, i, name, nullptr, nullptr) == 0; ++i) names.insert(name);
+  EXPECT_EQ(names.size(), 2u * kEach);
+  for (int i = 0; i < kEach; ++i) {
+    std::uint32_t v = 0, n = 4;
+    ASSERT_EQ(store->QueryValue(h, "b" + std::to_string(i), nullptr, reinterpret_cast<std::uint8_t*>(&v), &n), 0);
+    EXPECT_EQ(v, static_cast<std::uint32_t>(i));
+  }
+}
+
+TEST_F(RegistryStoreTest, AWriterKilledMidTransactionLeavesEveryCommittedValue) {
+  const std::string path = dir_ / "crash.sqlite3";
+  int pipeFd[2];
+  ASSERT_EQ(pipe(pipeFd), 0);
+  constexpr int kCommitted = 40;
+  constexpr int kImported = 50000;
+  const pid_t child = Spawn([&] {
+    close(pipeFd[0]);
+    auto store = OpenRegistryStore(path);
+    RegHandle h = 0;
+    if (store->CreateKey(kHkeyCurrentUser, "Software\\Committed", h) != 0) return 1;
+    for (int i = 0; i < kCommitted; ++i) {
+      const std::string name = "v" + std::to_string(i);
+      if (store->SetValue(h, name, RegType::String, reinterpret_cast<const std::uint8_t*>(name.data()),
+                          static_cast<std::uint32_t>(name.size())) != 0)
+        return 2;
+      if (write(pipeFd[1], "c", 1) != 1) return 3;  // acknowledged only once committed
+    }
+    // One long transaction, killed while it runs.
+    std::string text = "REGEDIT4\n[HKEY_CURRENT_USER\\Software\\Import]\n";
+    for (int i = 0; i < kImported; ++i) text += "\"n" + std::to_string(i) + "\"=dword:00000001\n";
+    if (write(pipeFd[1], "i", 1) != 1) return 3;
+    for (;;) store->ImportRegText(text);
+  });
+  close(pipeFd[1]);
+  int acknowledged = 0;
+  char c = 0;
+  while (read(pipeFd[0], &c, 1) == 1 && c == 'c') ++acknowledged;
+  ASSERT_EQ(c, 'i');
+  usleep(30000);
+  kill(child, SIGKILL);
+  EXPECT_EQ(ExitCode(child), 128 + SIGKILL);
+  close(pipeFd[0]);
+
+  auto store = OpenRegistryStore(path);
+  RegHandle h = 0;
+  ASSERT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Committed", RegAccess::Read, h), 0) << store->LastError();
+  EXPECT_EQ(acknowledged, kCommitted);
+  for (int i = 0; i < acknowledged; ++i) {
+    std::uint32_t size = 0;
+    EXPECT_EQ(store->QueryValue(h, "v" + std::to_string(i), nullptr, nullptr, &size), 0) << i;
+  }
+  // The import is there whole or not at all.
+  RegHandle imp = 0;
+  if (store->OpenKey(kHkeyCurrentUser, "Software\\Import", RegAccess::Read, imp) == 0) {
+    std::string name;
+    EXPECT_EQ(store->EnumValue(imp, kImported - 1, name, nullptr, nullptr), 0);
+    EXPECT_EQ(store->EnumValue(imp, kImported, name, nullptr, nullptr), WinError::NoMoreItems);
+  }
+  // And the store takes writes again.
+  RegHandle w = 0;
+  EXPECT_EQ(store->CreateKey(kHkeyCurrentUser, "Software\\After", w), 0);
+}
+
+}  // namespace

@@ -1,0 +1,180 @@
+// TKCurve and TKOutline, driven late-bound as scripts drive them.
+#include <gtest/gtest.h>
+
+#include "automation/Catalogue.hpp"
+#include "automation/Convert.hpp"
+#include "FakeHost.hpp"
+#include "frame/Globals.hpp"
+#include "profiles/TKOutline.hpp"
+
+using namespace TessarkAO;
+using namespace TessarkAO::Testing;
+
+namespace {
+
+std::vector<std::string> SlotNames(const ClassInfo& info) {
+  std::vector<std::string> names;
+  for (const MemberInfo& m : info.Members()) names.push_back(m.name);
+  return names;
+}
+
+// GetFitPoint / GetControlPoint through the dispatcher, outputs read back.
+std::pair<double, double> GetPoint(const Variant& curve, const char* member, std::int32_t index) {
+  std::vector<Variant> args = {Variant(index), Variant(), Variant()};
+  curve.Invoke(member, CallKind::Method, args);
+  return {ToDouble(args[1]), ToDouble(args[2])};
+}
+
+}  // namespace
+
+TEST(Curve, SlotOrderIsTheInterfaceOrder) {
+  const std::vector<std::string> expected = {
+      "GetKnot",      "SetKnot",        "GetWeight",           "SetWeight",     "GetFitPoint",
+      "SetFitPoint",  "GetControlPoint", "SetControlPoint",    "BSplineKnots",  "BSplineWeights",
+      "BSplineFitPoints", "BSplineControlPoints", "BSplineDegree", "BSplineClosed", "BSplinePeriodic",
+      "Radius",       "X",              "Y",                   "AngleMajor",    "HFactor",
+      "Eccentricity", "MinorHeight",    "XPtOnCurve",          "CenterX",       "CenterY",
+      "YPtOnCurve",   "Tan1X",          "Tan1Y",               "Tan2X",         "Tan2Y",
+      "CurveType",    "StartTrim",      "EndTrim"};
+  EXPECT_EQ(SlotNames(TKCurve::StaticClass()), expected);
+  EXPECT_EQ(SlotNames(TKOutline::StaticClass()),
+            (std::vector<std::string>{"PathComponent", "StartPointX", "StartPointY", "AddLineTo", "AddEllipse",
+                                      "Construction", "Closed", "NumberOfCurves", "AddCurve", "GetCurve"}));
+}
+
+TEST(Curve, NewCurveIsZeroAndEveryPropertyKeepsItsOwnValue) {
+  Variant curve(CreateObject("TessarkAO.TKCurve"));
+  std::vector<std::string> properties;
+  for (const MemberInfo& m : TKCurve::StaticClass().Members())
+    if (m.let && m.name.rfind("BSpline", 0) != 0) properties.push_back(m.name);  // counts size arrays
+  ASSERT_EQ(properties.size(), 18u);
+  for (const std::string& p : properties) EXPECT_EQ(ToDouble(curve.Get(p)), 0.0) << p;
+  // Distinct values everywhere: a getter wired to the wrong field shows up.
+  for (std::size_t i = 0; i < properties.size(); ++i) curve.Let(properties[i], static_cast<std::int32_t>(i + 90));
+  for (std::size_t i = 0; i < properties.size(); ++i)
+    EXPECT_EQ(ToDouble(curve.Get(properties[i])), static_cast<double>(i + 90)) << properties[i];
+  curve.Let("BSplineDegree", 3);
+  curve.Let("BSplineClosed", true);
+  EXPECT_EQ(curve.Get("BSplineDegree").AsLong(), 3);
+  EXPECT_TRUE(curve.Get("BSplineClosed").AsBoolean());
+  EXPECT_FALSE(curve.Get("BSplinePeriodic").AsBoolean());
+}
+
+TEST(Curve, CountsSizeTheArraysAndIndicesOutsideAreIgnored) {
+  Variant curve(CreateObject("TessarkAO.TKCurve"));
+  curve.Let("BSplineFitPoints", 3);
+  curve.Call("SetFitPoint", 3, 1.5, -2.0);
+  EXPECT_EQ(GetPoint(curve, "GetFitPoint", 3), std::make_pair(1.5, -2.0));
+  EXPECT_EQ(GetPoint(curve, "GetFitPoint", 4), std::make_pair(0.0, 0.0));
+  curve.Call("SetFitPoint", 0, 9.0, 9.0);
+  curve.Call("SetFitPoint", 4, 9.0, 9.0);
+  for (int i = 1; i <= 2; ++i) EXPECT_EQ(GetPoint(curve, "GetFitPoint", i), std::make_pair(0.0, 0.0));
+  EXPECT_EQ(GetPoint(curve, "GetControlPoint", 1), std::make_pair(0.0, 0.0));  // arrays are separate
+
+  // Setting a count again clears the array.
+  curve.Let("BSplineKnots", 5);
+  for (int i = 1; i <= 5; ++i) curve.Call("SetKnot", i, i * 1.5);
+  EXPECT_EQ(ToDouble(curve.Call("GetKnot", 5)), 7.5);
+  curve.Let("BSplineKnots", 5);
+  for (int i = 1; i <= 5; ++i) EXPECT_EQ(ToDouble(curve.Call("GetKnot", i)), 0.0);
+
+  // A count of 0 or below keeps the old array out of reach; a positive
+  // count afterwards makes a fresh one, so nothing old comes back.
+  curve.Let("BSplineWeights", 4);
+  curve.Call("SetWeight", 1, 3.0);
+  curve.Let("BSplineWeights", 0);
+  EXPECT_EQ(ToDouble(curve.Call("GetWeight", 1)), 0.0);
+  curve.Call("SetWeight", 1, 8.0);
+  curve.Let("BSplineWeights", -2);
+  EXPECT_EQ(curve.Get("BSplineWeights").AsLong(), -2);
+  EXPECT_EQ(ToDouble(curve.Call("GetWeight", 1)), 0.0);
+  curve.Let("BSplineWeights", 2);
+  EXPECT_EQ(ToDouble(curve.Call("GetWeight", 1)), 0.0);
+
+  curve.Let("BSplineControlPoints", 2);
+  curve.Call("SetControlPoint", 2, -1.0, 4.0);
+  EXPECT_EQ(GetPoint(curve, "GetControlPoint", 2), std::make_pair(-1.0, 4.0));
+  EXPECT_EQ(GetPoint(curve, "GetControlPoint", -1), std::make_pair(0.0, 0.0));
+}
+
+TEST(Curve, AnArrayTooLargeRaisesOutOfMemoryAndChangesNothing) {
+  Variant curve(CreateObject("TessarkAO.TKCurve"));
+  curve.Let("BSplineKnots", 2);
+  curve.Call("SetKnot", 2, 6.0);
+  EXPECT_EQ(ErrorNumber([&] { curve.Let("BSplineKnots", 2147483647); }), Err::OutOfMemory);
+  EXPECT_EQ(curve.Get("BSplineKnots").AsLong(), 2);
+  EXPECT_EQ(ToDouble(curve.Call("GetKnot", 2)), 6.0);
+  EXPECT_EQ(ErrorNumber([&] { curve.Let("BSplineKnots", 1e12); }), Err::Overflow);  // not a Long
+}
+
+TEST(Outline, CurveListAndTheOneSidedIndexTest) {
+  Variant outline(CreateObject("TessarkAO.TKOutline"));
+  EXPECT_EQ(outline.Get("NumberOfCurves").AsLong(), 0);
+  EXPECT_TRUE(outline.Call("GetCurve", 1).IsNothing());
+  EXPECT_EQ(ErrorNumber([&] { outline.Call("GetCurve", 0); }), Err::SubscriptOutOfRange);
+
+  Variant first = outline.Call("AddLineTo", 1.0, 2.0);
+  Variant second = outline.Call("AddLineTo", 3.0, 4.0);
+  outline.Call("AddLineTo", 5.0, 6.0);
+  EXPECT_EQ(outline.Get("NumberOfCurves").AsLong(), 3);
+  Variant got = outline.Call("GetCurve", 2);
+  EXPECT_EQ(got.AsObject(), second.AsObject());
+  EXPECT_EQ(got.Get("CurveType").AsLong(), 1);
+  EXPECT_EQ(ToDouble(got.Get("X")), 3.0);
+  EXPECT_EQ(ToDouble(got.Get("Y")), 4.0);
+  EXPECT_TRUE(outline.Call("GetCurve", 4).IsNothing());
+  EXPECT_EQ(ErrorNumber([&] { outline.Call("GetCurve", -5); }), Err::SubscriptOutOfRange);
+
+  // Curves handed out are the outline's own.
+  first.Let("X", 10.0);
+  EXPECT_EQ(ToDouble(outline.Call("GetCurve", 1).Get("X")), 10.0);
+
+  EXPECT_EQ(outline.Call("AddCurve").Get("CurveType").AsLong(), 0);
+  EXPECT_EQ(outline.Call("AddCurve", 5).Get("CurveType").AsLong(), 5);
+  EXPECT_EQ(outline.Call("AddCurve", -7).Get("CurveType").AsLong(), -7);
+  EXPECT_EQ(outline.Get("NumberOfCurves").AsLong(), 6);
+}
+
+TEST(Outline, AddEllipseTakesThePointsYFromItsX) {
+  Variant outline(CreateObject("TessarkAO.TKOutline"));
+  struct Case {
+    std::vector<double> args;
+    double minor, xPt, yPt;
+  };
+  const Case cases[] = {
+      {{1, 2, 5}, -1, 5, 0},      // a circle: the radius goes to XPtOnCurve
+      {{1, 2, 5, 3, 7}, 5, 3, 3},  // the point's Y comes from its X
+      {{1, 2, 5, 0, 7}, 5, 0, 0},  // a non-zero Y alone picks the first branch
+      {{1, 2, 5, -2, 0}, 5, -2, -2},
+  };
+  for (const Case& c : cases) {
+    std::vector<Variant> args(c.args.begin(), c.args.end());
+    Variant e = outline.Invoke("AddEllipse", CallKind::Method, args);
+    EXPECT_EQ(e.Get("CurveType").AsLong(), 4);
+    EXPECT_EQ(ToDouble(e.Get("X")), 1.0);
+    EXPECT_EQ(ToDouble(e.Get("Y")), 2.0);
+    EXPECT_EQ(ToDouble(e.Get("CenterX")), 0.0);  // the centre is carried in X, Y only
+    EXPECT_EQ(ToDouble(e.Get("MinorHeight")), c.minor);
+    EXPECT_EQ(ToDouble(e.Get("XPtOnCurve")), c.xPt);
+    EXPECT_EQ(ToDouble(e.Get("YPtOnCurve")), c.yPt);
+  }
+}
+
+TEST(Outline, OwnsItsCurvesAndPathAndTakesPartInTheInstanceCount) {
+  auto log = NewLog();
+  Ref<FakeObject> path = MakeFake("path", log);
+  const std::int32_t before = Globals::InstanceCount();
+  const std::uint32_t pathRefs = path->RefCount();
+  {
+    Variant outline(CreateObject("TessarkAO.TKOutline"));
+    outline.Set("PathComponent", path);
+    EXPECT_EQ(outline.Get("PathComponent").AsObject().get(), path.get());
+    outline.Call("AddLineTo", 1.0, 1.0);
+    outline.Call("AddEllipse", 0.0, 0.0, 2.0);
+    EXPECT_EQ(Globals::InstanceCount(), before + 3);
+    EXPECT_GT(path->RefCount(), pathRefs);
+  }
+  EXPECT_EQ(Globals::InstanceCount(), before);
+  EXPECT_EQ(path->RefCount(), pathRefs);
+  EXPECT_TRUE(log->empty());  // the outline never calls its path
+}

@@ -1,0 +1,248 @@
+// TKInvoluteCurve: the involute's geometry, the deliberately kept constants
+// and the missing quadrant correction, sampling against a literal model, and
+// the host calls of DrawInvolute.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+
+#include "automation/Catalogue.hpp"
+#include "automation/Convert.hpp"
+#include "FakeHost.hpp"
+#include "profiles/TKInvoluteCurve.hpp"
+
+using namespace TessarkAO;
+using namespace TessarkAO::Testing;
+
+namespace {
+
+constexpr double kPi15 = 3.14159265358979;
+
+Ref<TKInvoluteCurve> NewInvolute(double radius = 1.0) {
+  Ref<TKInvoluteCurve> c = RefCast<TKInvoluteCurve>(CreateObject("TessarkAO.TKInvoluteCurve"));
+  c->LetCircleRadius(radius);
+  return c;
+}
+
+std::pair<double, double> Point(const TKInvoluteCurve& c, double t) {
+  double x = 0, y = 0;
+  c.GetPointFromAngle(t, x, y);
+  return {x, y};
+}
+
+std::pair<double, double> Sample(const TKInvoluteCurve& c, std::int32_t i) {
+  double x = 0, y = 0;
+  c.GetCalculatedPointFromIndex(i, x, y);
+  return {x, y};
+}
+
+bool HaveVectors() { return HasFactory("TKVector4d"); }
+
+// The documented sampling, written out literally: the involute formula, the
+// mirror, then the turn a TKVector4d makes (a Z rotation matrix built from
+// degrees with the 15-digit pi and cleaned of entries below 1e-9, the row
+// vector times the matrix, the result cleaned again).
+std::vector<std::pair<double, double>> ModelSamples(double radius, double startAngle, bool ccw,
+                                                    std::int32_t n, double angle) {
+  auto snap = [](double v) { return std::fabs(v) < 1e-9 ? 0.0 : v; };
+  std::vector<std::pair<double, double>> rows;
+  for (std::int32_t i = 1; i <= n; ++i) {
+    const double t = angle / (n - 1) * (i - 1);
+    double x = (std::sin(t) * t + std::cos(t)) * radius;
+    double y = (std::sin(t) - std::cos(t) * t) * radius;
+    if (!ccw) y = -y;
+    const double r = startAngle * (180 / kPi15) * (kPi15 / 180);
+    const double c = snap(std::cos(r)), s = snap(std::sin(r));
+    x = snap(x), y = snap(y);  // SetPosition cleans up too
+    rows.emplace_back(snap(x * c + y * -s + 0.0 * 0.0 + 0.0 * 0.0), snap(x * s + y * c + 0.0 * 0.0 + 0.0 * 0.0));
+  }
+  return rows;
+}
+
+}  // namespace
+
+TEST(Involute, PointsLieOnTheInvoluteAndHeightInvertsThem) {
+  auto c = NewInvolute();
+  EXPECT_EQ(Point(*c, 0), std::make_pair(1.0, 0.0));
+  EXPECT_DOUBLE_EQ(Point(*c, std::numbers::pi / 2).first, std::numbers::pi / 2);
+  EXPECT_DOUBLE_EQ(Point(*c, std::numbers::pi / 2).second, 1.0);
+  EXPECT_EQ(c->GetAngleFromInvoluteHeight(0), 0.0);
+  EXPECT_EQ(c->GetPointAngleFromInvoluteHeight(0), 0.0);
+  c->LetCircleRadius(10);
+  EXPECT_EQ(c->GetAngleFromInvoluteHeight(5), std::sqrt(1.25));
+
+  // For any R and t: |P| = R * sqrt(1 + t^2), and the height |P| - R gives t back.
+  std::mt19937 rng(7);
+  std::uniform_real_distribution<double> radius(0.1, 50), angle(0, 12);
+  for (int i = 0; i < 500; ++i) {
+    c->LetCircleRadius(radius(rng));
+    const double t = angle(rng), r = c->GetCircleRadius();
+    const auto [x, y] = Point(*c, t);
+    EXPECT_NEAR(std::hypot(x, y), r * std::sqrt(1 + t * t), 1e-9 * r * (1 + t));
+    EXPECT_NEAR(c->GetAngleFromInvoluteHeight(std::hypot(x, y) - r), t, 1e-6);
+  }
+}
+
+TEST(Involute, PolarAngleKeepsTheLiteralTurnAndHasNoQuadrantCorrection) {
+  auto c = NewInvolute(2.0);
+  std::mt19937 rng(11);
+  std::uniform_real_distribution<double> height(0.01, 400);
+  for (int i = 0; i < 300; ++i) {
+    const double h = height(rng);
+    const double t = c->GetAngleFromInvoluteHeight(h);
+    const auto [x, y] = Point(*c, t);
+    // The arctangent of Y / X lies in (-pi/2, pi/2): a point left of the Y
+    // axis is reported half a turn off its true polar angle.
+    const double a = std::atan(y / x);
+    const double polar = std::atan2(y, x);
+    EXPECT_NEAR(a, x < 0 ? polar + (polar > 0 ? -std::numbers::pi : std::numbers::pi) : polar, 1e-12);
+    // Whole turns use 6.28318530717958, not the full-precision 2 pi.
+    EXPECT_EQ(c->GetPointAngleFromInvoluteHeight(h), std::floor(t / 6.28318530717958) * 6.28318530717958 + a);
+    // The arc length is the polar angle times R, not t * R.
+    EXPECT_EQ(c->GetRequiredArcLengthForInvoluteHeight(h), a * 2.0);
+  }
+  // Many turns make the literal constant visible against full precision.
+  const double h = 1000.0, t = c->GetAngleFromInvoluteHeight(h);
+  const double turns = std::floor(t / 6.28318530717958);
+  EXPECT_NE(turns * 6.28318530717958, turns * 2 * std::numbers::pi);
+}
+
+TEST(Involute, ArithmeticErrorsAndTheZeroSubstitution) {
+  auto c = NewInvolute(10.0);
+  EXPECT_EQ(ErrorNumber([&] { c->GetAngleFromInvoluteHeight(-15); }), Err::InvalidCall);  // negative base
+  EXPECT_NO_THROW(c->GetAngleFromInvoluteHeight(-25));  // h / R + 1 = -1.5 squares above 1
+  c->LetCircleRadius(0);
+  EXPECT_EQ(ErrorNumber([&] { c->GetAngleFromInvoluteHeight(1); }), Err::DivisionByZero);
+  EXPECT_EQ(ErrorNumber([&] { c->GetAngleFromInvoluteHeight(0); }), Err::Overflow);  // 0 / 0
+
+  double x = 0.0, y = 2.0;
+  EXPECT_EQ(InvoluteMath::ArcTanOfRatio(x, y), std::atan(2.0 / 1e-16));
+  EXPECT_EQ(x, 1e-16);  // the caller's X is overwritten
+  double x2 = -3.0, y2 = 3.0;
+  EXPECT_EQ(InvoluteMath::ArcTanOfRatio(x2, y2), std::atan(-1.0));
+  EXPECT_EQ(x2, -3.0);
+  double x3 = 0.0, y3 = 1e300;
+  EXPECT_EQ(ErrorNumber([&] { InvoluteMath::ArcTanOfRatio(x3, y3); }), Err::Overflow);
+}
+
+TEST(Involute, TableAccessNeedsASampledRow) {
+  auto c = NewInvolute();
+  const Variant curve{Ref<Object>(c)};
+  EXPECT_EQ(ErrorNumber([&] { Sample(*c, 1); }), Err::SubscriptOutOfRange);  // nothing sampled yet
+  c->LetPoints(0);
+  EXPECT_EQ(ErrorNumber([&] { c->CalculatePointsThroughAngle(1); }), Err::SubscriptOutOfRange);
+  c->LetPoints(1);
+  EXPECT_EQ(ErrorNumber([&] { c->CalculatePointsThroughAngle(1); }), Err::DivisionByZero);
+  EXPECT_EQ(ErrorNumber([&] { c->CalculatePointsThroughAngle(0); }), Err::Overflow);  // 0 / 0
+  if (!HaveVectors()) GTEST_SKIP() << "TKVector4d is not built yet";
+  c->LetPoints(3);
+  c->CalculatePointsThroughAngle(1);
+  // Errors leave the caller's outputs alone.
+  Variant x(7.0), y(8.0);
+  std::vector<Variant> args = {Variant(0), Variant::ByRef(x), Variant::ByRef(y)};
+  EXPECT_EQ(ErrorNumber([&] { curve.Invoke("GetCalculatedPointFromIndex", CallKind::Method, args); }),
+            Err::SubscriptOutOfRange);
+  EXPECT_EQ(x.AsDouble(), 7.0);
+  EXPECT_EQ(ErrorNumber([&] { Sample(*c, 4); }), Err::SubscriptOutOfRange);
+  args[0] = Variant(3);
+  curve.Invoke("GetCalculatedPointFromIndex", CallKind::Method, args);
+  EXPECT_EQ(std::make_pair(x.AsDouble(), y.AsDouble()), Point(*c, 1.0));
+}
+
+TEST(Involute, SamplingMatchesTheLiteralModel) {
+  if (!HaveVectors()) GTEST_SKIP() << "TKVector4d is not built yet";
+  auto c = NewInvolute();
+  c->LetPoints(3);
+  c->CalculatePointsThroughAngle(1);
+  for (int i = 1; i <= 3; ++i) EXPECT_EQ(Sample(*c, i), Point(*c, 0.5 * (i - 1)));
+  c->LetCounterClockwise(false);
+  c->CalculatePointsThroughAngle(1);
+  for (int i = 2; i <= 3; ++i) EXPECT_EQ(Sample(*c, i).second, -Point(*c, 0.5 * (i - 1)).second);
+  c->LetCounterClockwise(true);
+  c->LetStartAngle(std::numbers::pi / 2);
+  c->CalculatePointsThroughAngle(1);
+  EXPECT_EQ(Sample(*c, 1), std::make_pair(0.0, 1.0));
+  // The vector's clean-up zeroes a coordinate below 1e-9.
+  c->LetStartAngle(0);
+  c->CalculatePointsThroughAngle(1e-4);
+  EXPECT_NE(Point(*c, 5e-5).second, 0.0);
+  EXPECT_EQ(Sample(*c, 2).second, 0.0);
+
+  std::mt19937 rng(3);
+  std::uniform_real_distribution<double> radius(0.1, 20), turn(-7, 7), angle(0, 4);
+  std::uniform_int_distribution<int> points(2, 40), flag(0, 1);
+  for (int k = 0; k < 200; ++k) {
+    c->LetCircleRadius(radius(rng));
+    c->LetStartAngle(turn(rng));
+    c->LetCounterClockwise(flag(rng) == 1);
+    c->LetPoints(points(rng));
+    const double a = angle(rng);
+    c->CalculatePointsThroughAngle(a);
+    const auto model = ModelSamples(c->GetCircleRadius(), c->GetStartAngle(), c->GetCounterClockwise(),
+                                    c->GetPoints(), a);
+    for (std::int32_t i = 1; i <= c->GetPoints(); ++i)
+      ASSERT_EQ(Sample(*c, i), model[static_cast<std::size_t>(i) - 1]) << "case " << k << " row " << i;
+  }
+}
+
+TEST(Involute, DrawInvolutePassesReversedFitPointsButEndsAtTheLastSample) {
+  if (!HaveVectors()) GTEST_SKIP() << "TKVector4d is not built yet";
+  auto c = NewInvolute();
+  c->LetPoints(3);
+  c->CalculatePointsThroughAngle(1);
+  auto log = NewLog();
+  Variant fitPoints;
+  Ref<FakeObject> curve = MakeFake("curve", log);
+  curve->On("SetDefinitionByFitPoints", [&](CallKind, std::span<Variant> args) {
+    fitPoints = args[3].Deref();
+    return Variant();
+  });
+  Ref<FakeObject> path = MakeFake("path", log);
+  path->Returns("AddBSplineTo", Variant(curve));
+
+  auto draw = [&](bool ccw) {
+    log->clear();
+    Variant(Ref<Object>(c)).Call("DrawInvolute", path, ccw);
+    return *log;
+  };
+  const std::string end = "path.AddBSplineTo(" + Describe(Sample(*c, 3).first) + ", " +
+                          Describe(Sample(*c, 3).second) + ")";
+  const std::string reversed = "[" + Describe(Sample(*c, 3).first) + " " + Describe(Sample(*c, 2).first) + " " +
+                               Describe(Sample(*c, 1).first) + " " + Describe(Sample(*c, 3).second) + " " +
+                               Describe(Sample(*c, 2).second) + " " + Describe(Sample(*c, 1).second) + "]";
+  EXPECT_EQ(draw(false), (std::vector<std::string>{
+                             end, "curve.SetDefinitionByFitPoints(3%, False, False, " + reversed +
+                                      ", Nothing, Nothing)"}));
+  ASSERT_TRUE(fitPoints.IsArray());
+  EXPECT_EQ(fitPoints.AsArray().Bounds()[0].lower, 1);
+  EXPECT_EQ(fitPoints.AsArray().Bounds()[1].count, 2);
+  EXPECT_EQ(draw(true)[0], end);
+  EXPECT_EQ(ToDouble(fitPoints.AsArray().Get(1, 1)), Sample(*c, 1).first);
+
+  // Points changed since sampling: the missing row raises 9 before any host call.
+  c->LetPoints(4);
+  log->clear();
+  EXPECT_EQ(ErrorNumber([&] { c->DrawInvolute(path, true); }), Err::SubscriptOutOfRange);
+  EXPECT_TRUE(log->empty());
+  c->LetPoints(3);
+  EXPECT_EQ(ErrorNumber([&] { c->DrawInvolute(Ref<Object>(), true); }), Err::ObjectNotSet);
+}
+
+TEST(Involute, GetInvolutePointsOrdersByTheProperty) {
+  if (!HaveVectors() || !HasFactory("TK2DArray")) GTEST_SKIP() << "TKVector4d or TK2DArray is not built yet";
+  auto c = NewInvolute(3.0);
+  c->LetPoints(4);
+  c->CalculatePointsThroughAngle(2);
+  for (bool ccw : {true, false}) {
+    c->LetCounterClockwise(ccw);
+    Variant table(c->GetInvolutePoints());
+    EXPECT_EQ(table.Get("Rows").AsLong(), 4);
+    EXPECT_EQ(table.Get("Columns").AsLong(), 2);
+    for (int i = 1; i <= 4; ++i) {
+      const auto expected = Sample(*c, ccw ? i : 5 - i);
+      EXPECT_EQ(ToDouble(table.Call("GetValue", i, 1)), expected.first);
+      EXPECT_EQ(ToDouble(table.Call("GetValue", i, 2)), expected.second);
+    }
+  }
+}

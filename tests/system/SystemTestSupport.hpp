@@ -1,0 +1,84 @@
+// Helpers of the system tests: a private registry store and locale for each
+// test, a scriptable host object, and late-bound calls with readable outputs.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "automation/AutomationError.hpp"
+#include "automation/Convert.hpp"
+#include "automation/Object.hpp"
+#include "automation/Variant.hpp"
+#include "platform/PlatformTestSupport.hpp"
+#include "platform/Registry.hpp"
+
+namespace TessarkAO::Testing {
+
+// Each test gets an empty registry store of its own and an English locale.
+class SystemTest : public ::testing::Test {
+ protected:
+  SystemTest() : lcAll_("LC_ALL", "C") { SetRegistry(OpenRegistryStore(dir_ / "registry.sqlite3")); }
+  ~SystemTest() override { SetRegistry(nullptr); }
+
+  // Imports REGEDIT4 lines (the header is added).
+  void Import(const std::string& lines) {
+    ASSERT_EQ(GetRegistry().ImportRegText("REGEDIT4\n" + lines), 0) << GetRegistry().LastError();
+  }
+
+  TempDir dir_;
+  ScopedEnv lcAll_;
+};
+
+// A host object whose members are lambdas, recording each call by name.
+class FakeObject final : public Object {
+ public:
+  using Member = std::function<Variant(CallKind, std::span<Variant>)>;
+  FakeObject& On(const std::string& name, Member m) {
+    members_[LowerCase(name)] = std::move(m);
+    return *this;
+  }
+  Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
+    calls.push_back(std::string(name));
+    auto it = members_.find(LowerCase(name));
+    if (it == members_.end()) Raise(Err::NoSuchMember);
+    return it->second(kind, args);
+  }
+  std::vector<std::string> calls;
+
+ private:
+  std::map<std::string, Member> members_;
+};
+
+// A late-bound call whose arguments stay readable afterwards (outputs).
+struct CallResult {
+  Variant result;
+  std::vector<Variant> args;
+};
+inline CallResult Invoke(const Ref<Object>& o, std::string_view name, CallKind kind, std::vector<Variant> args = {}) {
+  CallResult r;
+  r.args = std::move(args);
+  r.result = o->Invoke(name, kind, r.args);
+  return r;
+}
+inline CallResult Method(const Ref<Object>& o, std::string_view name, std::vector<Variant> args = {}) {
+  return Invoke(o, name, CallKind::Method, std::move(args));
+}
+inline Variant Prop(const Ref<Object>& o, std::string_view name, std::vector<Variant> args = {}) {
+  return Invoke(o, name, CallKind::Get, std::move(args)).result;
+}
+
+// The classic error number a call raises; 0 when it raises none.
+inline int ErrorOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const AutomationError& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
+}  // namespace TessarkAO::Testing

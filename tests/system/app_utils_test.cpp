@@ -1,0 +1,156 @@
+// AppUtils with the Application and Dialog procedures: key names, the
+// preference fallbacks, defaults on an empty registry, special folders.
+#include "SystemTestSupport.hpp"
+#include "automation/Catalogue.hpp"
+#include "system/AppUtils.hpp"
+#include "system/Application.hpp"
+#include "system/Dialog.hpp"
+
+using namespace TessarkAO;
+using namespace TessarkAO::Testing;
+
+namespace {
+
+class AppUtilsTest : public SystemTest {
+ protected:
+  Ref<Object> app_ = CreateObject("TessarkAO.AppUtils");
+  std::string Text(std::string_view name) { return Prop(app_, name).AsString(); }
+};
+
+TEST_F(AppUtilsTest, MembersInSlotOrder) {
+  const char* names[] = {"Path",
+                         "ApplicationVersion",
+                         "ProductInRegistryCurrentUser",
+                         "ProductInRegistryLocalMachine",
+                         "CommonInRegistryCurrentUser",
+                         "CommonInRegistryLocalMachine",
+                         "GetRegistryPreferenceString",
+                         "GetRegistryPreferenceLong",
+                         "RegistryPreferenceBegin",
+                         "RegistryPreferenceEnd",
+                         "GetCommonRegistryPreferenceString",
+                         "GetCommonRegistryPreferenceLong",
+                         "ProgID",
+                         "CommonBinariesPath",
+                         "ApplicationDataFolder",
+                         "CommonApplicationDataFolder",
+                         "PersonalFolder"};
+  const ClassInfo* info = app_->Class();
+  ASSERT_EQ(info->Members().size(), std::size(names));
+  for (std::size_t i = 0; i < std::size(names); ++i) EXPECT_EQ(info->Find(names[i]), static_cast<DispId>(i + 1));
+}
+
+TEST_F(AppUtilsTest, EmptyRegistryDefaults) {
+  EXPECT_EQ(Text("ProductInRegistryCurrentUser"), "SOFTWARE\\Tessark\\TESSARK 6.0");
+  EXPECT_EQ(Text("ProductInRegistryLocalMachine"), "SOFTWARE\\Tessark\\New User Settings\\TESSARK 6.0");
+  EXPECT_EQ(Text("CommonInRegistryCurrentUser"), "SOFTWARE\\Tessark\\VelloraSuite");
+  EXPECT_EQ(Text("CommonInRegistryLocalMachine"), "SOFTWARE\\Tessark\\VelloraSuite");
+  const Variant version = Prop(app_, "ApplicationVersion");
+  EXPECT_EQ(version.Type(), VarType::Double);
+  EXPECT_EQ(version.AsDouble(), 6.0);
+  EXPECT_EQ(Text("ProgID"), "TESSARK.Application");
+  EXPECT_EQ(Text("Path"), "v:\\bin.32");
+  EXPECT_EQ(Text("CommonBinariesPath"), "v:\\bin.32");
+  EXPECT_EQ(Dialog::ReadAddOnPreference("Anything", "fallback"), "fallback");
+  EXPECT_EQ(Dialog::ReadProductMachineValue("Anything", "fallback"), "fallback");
+  auto c = Method(app_, "GetRegistryPreferenceString", {"Install", "previous"});
+  EXPECT_FALSE(ToBoolean(c.result));
+  EXPECT_EQ(c.args[1].AsString(), "");  // the failed read still writes its ""
+  c = Method(app_, "GetRegistryPreferenceLong", {"Count", 5});
+  EXPECT_FALSE(ToBoolean(c.result));
+  EXPECT_EQ(ToLong(c.args[1]), 5);
+}
+
+TEST_F(AppUtilsTest, ProductNamesFollowTheRegistry) {
+  Import("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessark\\VelloraSuite\\AddOns]\n"
+         "\"LastRunProductName\"=\"TESSARK Pro\"\n"
+         "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessark\\TESSARK Pro]\n"
+         "\"ProductVersion\"=\"7.5\"\n"
+         "\"ProductProgID\"=\"TESSARKPRO.Application\"\n");
+  EXPECT_EQ(Text("ProductInRegistryCurrentUser"), "SOFTWARE\\Tessark\\TESSARK Pro 7.5");
+  EXPECT_EQ(Text("ProductInRegistryLocalMachine"), "SOFTWARE\\Tessark\\New User Settings\\TESSARK Pro 7.5");
+  EXPECT_EQ(ToDouble(Prop(app_, "ApplicationVersion")), 7.5);
+  EXPECT_EQ(Text("ProgID"), "TESSARKPRO.Application");
+  // The current user's product name wins over the machine's; nothing is cached.
+  Import("[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\VelloraSuite\\AddOns]\n\"LastRunProductName\"=\"OTHER\"\n");
+  EXPECT_EQ(Text("ProductInRegistryCurrentUser"), "SOFTWARE\\Tessark\\OTHER 6.0");
+  EXPECT_EQ(Text("ProgID"), "TESSARK.Application");
+
+  // A version that is not a number raises a type mismatch.
+  Import("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessark\\OTHER]\n\"ProductVersion\"=\"six\"\n");
+  EXPECT_EQ(ErrorOf([&] { Prop(app_, "ApplicationVersion"); }), 13);
+  // The version is read with the system locale's conversion.
+  Import("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessark\\OTHER]\n\"ProductVersion\"=\" 8.25 \"\n");
+  EXPECT_EQ(ToDouble(Prop(app_, "ApplicationVersion")), 8.25);
+}
+
+TEST_F(AppUtilsTest, SectionsDoNotNest) {
+  EXPECT_TRUE(ToBoolean(Method(app_, "RegistryPreferenceBegin", {"Directories"}).result));
+  EXPECT_FALSE(ToBoolean(Method(app_, "RegistryPreferenceBegin", {"AddOns"}).result));
+  Import("[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\TESSARK 6.0\\Directories]\n\"Install\"=\"/opt/tessark\"\n"
+         "[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\TESSARK 6.0\\AddOns]\n\"Install\"=\"wrong\"\n");
+  auto c = Method(app_, "GetRegistryPreferenceString", {"Install", ""});
+  EXPECT_TRUE(ToBoolean(c.result));
+  EXPECT_EQ(c.args[1].AsString(), "/opt/tessark") << "the first section stays in force";
+  Method(app_, "RegistryPreferenceEnd");
+  Method(app_, "RegistryPreferenceEnd");  // never fails
+  EXPECT_TRUE(ToBoolean(Method(app_, "RegistryPreferenceBegin", {"AddOns"}).result));
+  c = Method(app_, "GetRegistryPreferenceString", {"Install", ""});
+  EXPECT_EQ(c.args[1].AsString(), "wrong");
+}
+
+TEST_F(AppUtilsTest, PreferencesFallBackFromUserToMachine) {
+  Import("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessark\\New User Settings\\TESSARK 6.0\\Tool]\n"
+         "\"MachineOnly\"=\"machine\"\n\"Both\"=\"machine\"\n\"Count\"=dword:00000007\n"
+         "[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\TESSARK 6.0\\Tool]\n"
+         "\"Both\"=\"user\"\n\"Count\"=\"nine\"\n"
+         "[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\TESSARK 6.0]\n\"NoSection\"=\"top\"\n"
+         "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessark\\VelloraSuite\\AddOns]\n\"Common\"=\"machine\"\n"
+         "\"CommonCount\"=\"12\"\n");
+  Method(app_, "RegistryPreferenceBegin", {"Tool"});
+  auto c = Method(app_, "GetRegistryPreferenceString", {"MachineOnly", ""});
+  EXPECT_TRUE(ToBoolean(c.result));
+  EXPECT_EQ(c.args[1].AsString(), "machine");
+  c = Method(app_, "GetRegistryPreferenceString", {"Both", ""});
+  EXPECT_EQ(c.args[1].AsString(), "user");
+  // A user value that is not a number gives way to the machine's number.
+  c = Method(app_, "GetRegistryPreferenceLong", {"Count", 0});
+  EXPECT_TRUE(ToBoolean(c.result));
+  EXPECT_EQ(ToLong(c.args[1]), 7);
+  Method(app_, "RegistryPreferenceEnd");
+
+  // With no section open the key ends in a backslash and still names the product key.
+  c = Method(app_, "GetRegistryPreferenceString", {"NoSection", ""});
+  EXPECT_TRUE(ToBoolean(c.result));
+  EXPECT_EQ(c.args[1].AsString(), "top");
+
+  // The common forms read the family's key under both roots.
+  Method(app_, "RegistryPreferenceBegin", {"AddOns"});
+  c = Method(app_, "GetCommonRegistryPreferenceString", {"Common", ""});
+  EXPECT_TRUE(ToBoolean(c.result));
+  EXPECT_EQ(c.args[1].AsString(), "machine");
+  c = Method(app_, "GetCommonRegistryPreferenceLong", {"CommonCount", 0});
+  EXPECT_TRUE(ToBoolean(c.result));
+  EXPECT_EQ(ToLong(c.args[1]), 12);
+  EXPECT_EQ(Dialog::ReadAddOnPreference("Common", "x"), "machine");
+}
+
+TEST_F(AppUtilsTest, InstallAndBinariesFolders) {
+  Import("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessark\\New User Settings\\TESSARK 6.0\\Directories]\n"
+         "\"Working\"=\"/work/tessark\"\n\"CommonBinaries\"=\"/opt/common\"\n");
+  EXPECT_EQ(Text("Path"), "/work/tessark");
+  EXPECT_EQ(Text("CommonBinariesPath"), "/opt/common");
+  Import("[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\TESSARK 6.0\\Directories]\n\"Install\"=\"/opt/tessark\"\n");
+  EXPECT_EQ(Application::Path(), "/opt/tessark");
+}
+
+TEST_F(AppUtilsTest, SpecialFolders) {
+  ScopedEnv home("HOME", dir_.Path()), cfg("XDG_CONFIG_HOME", std::nullopt), data("XDG_DATA_DIRS", "/srv/share");
+  EXPECT_EQ(Text("ApplicationDataFolder"), dir_ / ".config");
+  EXPECT_EQ(Text("CommonApplicationDataFolder"), "/srv/share");
+  EXPECT_EQ(Text("PersonalFolder"), dir_.Path());
+  ScopedEnv noHome("HOME", std::nullopt), cfg2("XDG_CONFIG_HOME", "/" + std::string(300, 'c'));
+  EXPECT_EQ(Text("ApplicationDataFolder"), "") << "a failing call gives an empty string";
+}
+
+}  // namespace

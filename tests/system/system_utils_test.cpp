@@ -1,0 +1,361 @@
+// TKSystemUtils and the Registry module, called late-bound as the library's
+// callers call them.
+#include <fstream>
+
+#include "SystemTestSupport.hpp"
+#include "automation/Catalogue.hpp"
+#include "frame/Localizer.hpp"
+#include "platform/posix/Syscalls.hpp"
+#include "system/Registry.hpp"
+#include "system/SystemFont.hpp"
+#include "system/TKSystemUtils.hpp"
+
+using namespace TessarkAO;
+using namespace TessarkAO::Testing;
+
+namespace {
+
+class SystemUtilsTest : public SystemTest {
+ protected:
+  Ref<Object> sys_ = CreateObject("TessarkAO.TKSystemUtils");
+};
+
+TEST_F(SystemUtilsTest, MembersInSlotOrder) {
+  const char* names[] = {"ReadRegistryValue",   "SetRegistryStringValue", "ReadRegistryStringValue",
+                         "DoesFileExist",       "SetLocaleDLL",           "SystemDefaultLCID",
+                         "DefaultSystemFont",   "SetDefaultSystemFont",   "ReadRegistryLongValue",
+                         "SetRegistryLongValue", "OperatingSystem",       "UserName",
+                         "UserInitials",        "EnvironmentVariable"};
+  const ClassInfo* info = sys_->Class();
+  ASSERT_EQ(info->Members().size(), std::size(names));
+  for (std::size_t i = 0; i < std::size(names); ++i) EXPECT_EQ(info->Find(names[i]), static_cast<DispId>(i + 1));
+  EXPECT_EQ(FindClass("{B0131D3E-07ED-11D3-80A0-00C04F6BFADF}")->name, "TKSystemUtils");
+}
+
+TEST_F(SystemUtilsTest, MapRegistryRoot) {
+  EXPECT_EQ(Registry::MapRegistryRoot(1), static_cast<std::int32_t>(0x80000000u));
+  EXPECT_EQ(Registry::MapRegistryRoot(2), static_cast<std::int32_t>(0x80000002u));
+  EXPECT_EQ(Registry::MapRegistryRoot(3), static_cast<std::int32_t>(0x80000001u));
+  for (std::int32_t other : {0, 4, -1, static_cast<std::int32_t>(0x80000001u)}) EXPECT_EQ(Registry::MapRegistryRoot(other), 0) << other;
+}
+
+TEST_F(SystemUtilsTest, ReadRegistryStringValue) {
+  Import("[HKEY_CURRENT_USER\\Software\\T]\n"
+         "\"Padded\"=\"  x  \"\n"
+         "\"Plain\"=\"TESSARK\"\n"
+         "\"Empty\"=\"\"\n"
+         "\"Number\"=dword:ffffffff\n"
+         "\"Binary\"=hex:01,02\n"
+         "\"Bare\"=hex(1):61,62,63\n"
+         "\"Nothing\"=hex(1):\n"
+         "@=\"the default\"\n");
+  struct Row {
+    const char* name;
+    std::int32_t status;
+    const char* text;
+  } rows[] = {
+      {"Padded", 0, "x"},
+      {"plain", 0, "TESSARK"},
+      {"Empty", 0, ""},
+      {"Number", 0, "-1"},           // a number reads as its decimal text
+      {"Binary", -1, ""},            // another type: -1
+      {"Bare", 0, "ab"},             // stored without its NUL: read as size - 1 characters
+      {"Nothing", 0, ""},
+      {"", 0, "the default"},
+      {"Missing", 2, ""},
+  };
+  for (const Row& r : rows) {
+    auto c = Method(sys_, "ReadRegistryStringValue", {3, "software\\t", r.name, "previous"});
+    EXPECT_EQ(ToLong(c.result), r.status) << r.name;
+    EXPECT_EQ(c.args[3].AsString(), r.text) << r.name;  // written even when the read fails
+  }
+  auto c = Method(sys_, "ReadRegistryStringValue", {3, "Software\\None", "Plain", "previous"});
+  EXPECT_EQ(ToLong(c.result), 2);
+  EXPECT_EQ(c.args[3].AsString(), "");
+  // An unknown root number maps to handle 0: the invalid-handle status.
+  c = Method(sys_, "ReadRegistryStringValue", {0, "Software\\T", "Plain", ""});
+  EXPECT_EQ(ToLong(c.result), 6);
+  // ReadRegistryValue takes the root handle as it stands.
+  c = Method(sys_, "ReadRegistryValue", {static_cast<std::int32_t>(0x80000001u), "Software\\T", "Plain", 99});
+  EXPECT_EQ(c.result.AsString(), "TESSARK");
+  EXPECT_EQ(c.args[3].AsLong(), 0);
+  c = Method(sys_, "ReadRegistryValue", {3, "Software\\T", "Plain", 99});
+  EXPECT_EQ(c.args[3].AsLong(), 6);
+}
+
+TEST_F(SystemUtilsTest, ReadRegistryLongValue) {
+  Import("[HKEY_LOCAL_MACHINE\\Software\\T]\n"
+         "\"Text12\"=\"12\"\n"
+         "\"Dword\"=dword:0000002a\n"
+         "\"Abc\"=\"abc\"\n"
+         "\"Blank\"=\"   \"\n"
+         "\"Huge\"=\"99999999999\"\n"
+         "\"Binary\"=hex:01\n");
+  struct Row {
+    const char* name;
+    std::int32_t status;
+    std::int32_t value;
+  } rows[] = {{"Text12", 0, 12}, {"Dword", 0, 42}, {"Abc", 1, 77},   {"Blank", 1, 77},
+              {"Huge", 1, 77},   {"Binary", 1, 77}, {"Missing", 1, 77}};
+  for (const Row& r : rows) {
+    auto c = Method(sys_, "ReadRegistryLongValue", {2, "Software\\T", r.name, 77});
+    EXPECT_EQ(ToLong(c.result), r.status) << r.name;
+    EXPECT_EQ(ToLong(c.args[3]), r.value) << r.name;
+  }
+  // A failing read of another kind is reported as 1 too.
+  auto c = Method(sys_, "ReadRegistryLongValue", {0, "Software\\T", "Text12", 77});
+  EXPECT_EQ(ToLong(c.result), 1);
+}
+
+TEST_F(SystemUtilsTest, WritesReportSuccessWhateverHappens) {
+  EXPECT_EQ(ToLong(Method(sys_, "SetRegistryStringValue", {3, "Software\\W", "S", "  hello"}).result), 0);
+  EXPECT_EQ(ToLong(Method(sys_, "SetRegistryLongValue", {2, "Software\\W", "N", -5}).result), 0);
+  // Root 0 writes nothing and still reports 0.
+  EXPECT_EQ(ToLong(Method(sys_, "SetRegistryStringValue", {0, "Software\\W", "S", "x"}).result), 0);
+
+  // The string went in without its NUL, the number as a 4-byte dword.
+  RegistryStore& reg = GetRegistry();
+  RegHandle h = 0;
+  ASSERT_EQ(reg.OpenKey(kHkeyCurrentUser, "Software\\W", RegAccess::Read, h), 0);
+  std::uint32_t type = 0, size = 0;
+  ASSERT_EQ(reg.QueryValue(h, "S", &type, nullptr, &size), 0);
+  EXPECT_EQ(type, RegType::String);
+  EXPECT_EQ(size, 7u);
+  ASSERT_EQ(reg.OpenKey(kHkeyLocalMachine, "Software\\W", RegAccess::Read, h), 0);
+  std::int32_t n = 0;
+  size = 4;
+  ASSERT_EQ(reg.QueryValue(h, "N", &type, reinterpret_cast<std::uint8_t*>(&n), &size), 0);
+  EXPECT_EQ(type, RegType::Dword);
+  EXPECT_EQ(n, -5);
+
+  // Read back through the library: the number whole, the string one
+  // character short (see ReadRegistryEntry), trimmed.
+  auto c = Method(sys_, "ReadRegistryLongValue", {2, "Software\\W", "N", 0});
+  EXPECT_EQ(ToLong(c.args[3]), -5);
+  c = Method(sys_, "ReadRegistryStringValue", {3, "Software\\W", "S", ""});
+  EXPECT_EQ(c.args[3].AsString(), "hell");
+
+  // Other value types write nothing.
+  Registry::WriteRegistryEntry(Registry::MapRegistryRoot(3), "Software\\W", 3, "Bin", Variant("x"));
+  EXPECT_EQ(reg.QueryValue(h, "Bin", nullptr, nullptr, nullptr), WinError::FileNotFound);
+  // Bad argument types raise the classic error before anything happens.
+  EXPECT_EQ(ErrorOf([&] { Method(sys_, "SetRegistryLongValue", {2, "Software\\W", "N", "abc"}); }), 13);
+  EXPECT_EQ(ErrorOf([&] { Method(sys_, "SetRegistryLongValue", {2, "Software\\W", "N"}); }), 449);
+}
+
+TEST_F(SystemUtilsTest, UserNameAndInitials) {
+  EXPECT_EQ(InitialsOf("john  paul--jones"), "jpj");
+  EXPECT_EQ(InitialsOf("mary-ann smith"), "mas");
+  EXPECT_EQ(InitialsOf(""), "");
+  EXPECT_EQ(InitialsOf(" -- "), "");
+  EXPECT_EQ(InitialsOf("Élise 2nd-Ünal"), "É2Ü");
+
+  // The login name comes from the system; with none to be had both are "".
+  const std::string name = Prop(sys_, "UserName").AsString();
+  EXPECT_FALSE(name.empty());
+  EXPECT_EQ(Prop(sys_, "UserInitials").AsString(), InitialsOf(name));
+  PosixCalls().getpwuid_r = [](uid_t, struct passwd*, char*, std::size_t, struct passwd** r) -> int {
+    *r = nullptr;
+    return 0;
+  };
+  {
+    ScopedEnv logname("LOGNAME", "john  paul--jones"), user("USER", std::nullopt);
+    EXPECT_EQ(Prop(sys_, "UserName").AsString(), "john  paul--jones");
+    EXPECT_EQ(Prop(sys_, "UserInitials").AsString(), "jpj");
+  }
+  ScopedEnv logname("LOGNAME", std::nullopt), user("USER", std::nullopt);
+  EXPECT_EQ(Prop(sys_, "UserName").AsString(), "");
+  EXPECT_EQ(Prop(sys_, "UserInitials").AsString(), "");
+  RestorePosixCalls();
+}
+
+TEST_F(SystemUtilsTest, OperatingSystem) {
+  OsVersionRecord r;
+  r.platformId = 2;
+  for (std::uint32_t major : {4u, 5u, 6u, 10u}) {
+    r.major = major;
+    EXPECT_EQ(OperatingSystemOf(&r), TKOS_WindowsNT4) << major;
+  }
+  r.platformId = 1;
+  r.minor = 0;
+  EXPECT_EQ(OperatingSystemOf(&r), TKOS_Windows95);
+  r.minor = 10;
+  EXPECT_EQ(OperatingSystemOf(&r), TKOS_Windows98);
+  r.minor = 90;
+  EXPECT_EQ(OperatingSystemOf(&r), TKOS_Windows98);
+  r.platformId = 0;
+  EXPECT_EQ(OperatingSystemOf(&r), TKOS_Windows31);
+  r.platformId = 3;
+  EXPECT_EQ(OperatingSystemOf(&r), TKOS_Unknown);
+  EXPECT_EQ(OperatingSystemOf(nullptr), TKOS_Unknown);
+  // No version record exists on this platform.
+  EXPECT_EQ(ToLong(Prop(sys_, "OperatingSystem")), TKOS_Unknown);
+}
+
+TEST_F(SystemUtilsTest, FilesLocaleAndEnvironment) {
+  std::ofstream(dir_ / "there.dll") << "x";
+  EXPECT_TRUE(ToBoolean(Method(sys_, "DoesFileExist", {dir_ / "there.dll"}).result));
+  EXPECT_FALSE(ToBoolean(Method(sys_, "DoesFileExist", {dir_ / "absent.dll"}).result));
+  EXPECT_FALSE(ToBoolean(Method(sys_, "DoesFileExist", {dir_.Path()}).result));
+
+  EXPECT_EQ(ToLong(Prop(sys_, "SystemDefaultLCID")), 1033);
+  {
+    ScopedEnv all("LC_ALL", "ja_JP.UTF-8");
+    EXPECT_EQ(ToLong(Prop(sys_, "SystemDefaultLCID")), 1041);
+  }
+
+  ScopedEnv v("TK_SYSTEM_TEST", "a value");
+  EXPECT_EQ(Prop(sys_, "EnvironmentVariable", {"TK_SYSTEM_TEST"}).AsString(), "a value");
+  EXPECT_EQ(Prop(sys_, "EnvironmentVariable", {"TK_SYSTEM_TEST_UNSET"}).AsString(), "");
+  EXPECT_EQ(Prop(sys_, "EnvironmentVariable", {""}).AsString(), "");
+}
+
+TEST_F(SystemUtilsTest, DefaultSystemFont) {
+  Variant font = Prop(sys_, "DefaultSystemFont");
+  ASSERT_TRUE(font.IsObject());
+  EXPECT_EQ(font.AsObject()->TypeName(), "StdFont");
+  GuiFontMetrics metrics;
+  ASSERT_TRUE(GetDefaultGuiFont(metrics));
+  EXPECT_EQ(font.Get("Name").AsString(), metrics.faceName);
+  // Points from the pixel height and the resolution, to four decimals.
+  EXPECT_NEAR(ToDouble(font.Get("Size")), metrics.height * 72.0 / metrics.pixelsPerInch, 0.00005);
+  EXPECT_EQ(font.Get("Size").Type(), VarType::Currency);
+  EXPECT_EQ(ToLong(font.Get("Weight")), metrics.weight);
+  EXPECT_EQ(ToLong(font.Get("Charset")), 0);
+  for (const char* flag : {"Italic", "Underline", "Strikethrough"}) EXPECT_FALSE(ToBoolean(font.Get(flag))) << flag;
+
+  // Bold and weight go together; sizes must be positive.
+  font.Let("Bold", true);
+  EXPECT_EQ(ToLong(font.Get("Weight")), 700);
+  font.Let("Weight", std::int16_t{400});
+  EXPECT_FALSE(ToBoolean(font.Get("Bold")));
+  EXPECT_EQ(ErrorOf([&] { font.Let("Size", 0.0); }), 380);
+  EXPECT_EQ(ErrorOf([&] { font.Let("Weight", std::int16_t{1001}); }), 380);
+  // Each call hands out a new object.
+  EXPECT_NE(Prop(sys_, "DefaultSystemFont").AsObject().get(), font.AsObject().get());
+}
+
+// A form whose Controls collection (counted from 0) holds controls with a
+// font each, except for one control that has none.
+struct FakeForm {
+  Ref<FakeObject> form = MakeRef<FakeObject>();
+  Ref<FakeObject> controls = MakeRef<FakeObject>();
+  std::vector<Ref<SystemFont>> fonts;
+  std::vector<Ref<FakeObject>> items;
+
+  FakeForm() {
+    for (int i = 0; i < 3; ++i) {
+      auto item = MakeRef<FakeObject>();
+      if (i != 1) {
+        auto f = MakeRef<SystemFont>();
+        f->LetName("Old");
+        f->LetItalic(true);
+        f->LetWeight(900);
+        fonts.push_back(f);
+        item->On("Font", [f](CallKind, std::span<Variant>) { return Variant(f); });
+      }
+      items.push_back(item);
+    }
+    controls->On("Count", [this](CallKind, std::span<Variant>) { return Variant(static_cast<std::int32_t>(items.size())); });
+    controls->On("Item", [this](CallKind, std::span<Variant> a) {
+      const std::int32_t i = ToLong(a[0]);
+      if (i < 0 || i >= static_cast<std::int32_t>(items.size())) Raise(Err::SubscriptOutOfRange);
+      return Variant(items[static_cast<std::size_t>(i)]);
+    });
+    form->On("Controls", [this](CallKind, std::span<Variant>) { return Variant(controls); });
+  }
+};
+
+TEST_F(SystemUtilsTest, SetDefaultSystemFontAppliesTheFontToEveryControl) {
+  GuiFontMetrics metrics;
+  ASSERT_TRUE(GetDefaultGuiFont(metrics));
+  for (bool keep : {false, true}) {
+    FakeForm f;
+    EXPECT_EQ(ErrorOf([&] { Method(sys_, "SetDefaultSystemFont", {Variant(f.form), keep}); }), 0);
+    ASSERT_EQ(f.fonts.size(), 2u);
+    for (const auto& font : f.fonts) {
+      EXPECT_EQ(font->GetName(), metrics.faceName);
+      EXPECT_EQ(font->GetItalic(), keep) << "styles survive only with bKeepProperties";
+      EXPECT_EQ(font->GetWeight(), keep ? 900 : metrics.weight);
+    }
+  }
+  // Anything but a form: nothing happens, nothing is raised.
+  EXPECT_EQ(ErrorOf([&] { Method(sys_, "SetDefaultSystemFont", {Variant::Nothing(), true}); }), 0);
+  auto plain = MakeRef<FakeObject>();
+  EXPECT_EQ(ErrorOf([&] { Method(sys_, "SetDefaultSystemFont", {Variant(plain), false}); }), 0);
+}
+
+TEST_F(SystemUtilsTest, SetLocaleDllOnAnEnglishSystem) {
+  auto c = Method(sys_, "SetLocaleDLL", {"tktools.dll", "TessarkAO"});
+  ASSERT_TRUE(c.result.IsObject());
+  EXPECT_TRUE(RefCast<Localizer>(c.result.AsObject()));
+  EXPECT_EQ(c.args[0].AsString(), "tktools.dll");  // untouched on an English system
+  EXPECT_EQ(ToString(c.result.Call("LoadString", 101)), "millimeters");
+  // The next call creates a new localizer in the same field.
+  auto again = Method(sys_, "SetLocaleDLL", {"tktools.dll", "TessarkAO"});
+  EXPECT_NE(again.result.AsObject().get(), c.result.AsObject().get());
+  // An unknown project: the creation fails and the field keeps the last one.
+  auto other = Method(sys_, "SetLocaleDLL", {"tktools.dll", "NoSuchProject"});
+  EXPECT_EQ(other.result.AsObject().get(), again.result.AsObject().get());
+  // A fresh object with nothing to keep returns Nothing.
+  auto fresh = CreateObject("TessarkAO.TKSystemUtils");
+  EXPECT_TRUE(Method(fresh, "SetLocaleDLL", {"tktools.dll", "NoSuchProject"}).result.IsNothing());
+}
+
+// The satellite rules on other systems: the name written back into the
+// caller's variable and the localizer created.
+TEST_F(SystemUtilsTest, SetLocaleDllOnOtherSystems) {
+  // The common binaries folder holds the Japanese satellite.
+  const std::string bin = dir_ / "bin";
+  std::filesystem::create_directories(bin);
+  std::ofstream(bin + "/tktooJP.dll") << "satellite";
+  Import("[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\TESSARK 6.0\\Directories]\n\"CommonBinaries\"=\"" + bin + "\"\n");
+
+  struct Row {
+    const char* locale;
+    const char* dll;
+    const char* renamed;
+  } rows[] = {
+      {"de_DE.UTF-8", "tktools.dll", "tktoo.dll"},
+      {"ja_JP.UTF-8", "tktools.dll", "tktooJP.dll"},
+      {"ja_JP.UTF-8", "ab.dll", "JP.dll"},          // nothing left in front of the period
+      {"ja_JP.UTF-8", "a.dll", "a.dllJP.dll"},      // a period before the third character: kept whole
+      {"ja_JP.UTF-8", "tk", "tkJP.dll"},            // no period at all: kept whole
+      {"fr_FR", "abc.dll", "a.dll"},
+  };
+  for (const Row& r : rows) {
+    ScopedEnv all("LC_ALL", r.locale);
+    auto c = Method(CreateObject("TessarkAO.TKSystemUtils"), "SetLocaleDLL", {r.dll, "TessarkAO"});
+    EXPECT_EQ(c.args[0].AsString(), r.renamed) << r.locale << " " << r.dll;
+  }
+
+  // Japanese with the satellite present: its localizer ProgID does not exist
+  // here, so nothing is created and the field stays empty.
+  ScopedEnv ja("LC_ALL", "ja_JP.UTF-8");
+  auto c = Method(CreateObject("TessarkAO.TKSystemUtils"), "SetLocaleDLL", {"tktools.dll", "TessarkAO"});
+  EXPECT_TRUE(c.result.IsNothing());
+  // Where a satellite's localizer can be created, it is.
+  RegisterForeignProgId("TessarkAO_JP.Localizer", [] { return Ref<Object>(MakeRef<FakeObject>()); });
+  c = Method(CreateObject("TessarkAO.TKSystemUtils"), "SetLocaleDLL", {"tktools.dll", "TessarkAO"});
+  EXPECT_TRUE(RefCast<FakeObject>(c.result.AsObject()));
+  RegisterForeignProgId("TessarkAO_JP.Localizer", nullptr);
+  // Without the satellite file the library's own localizer serves.
+  std::filesystem::remove(bin + "/tktooJP.dll");
+  c = Method(CreateObject("TessarkAO.TKSystemUtils"), "SetLocaleDLL", {"tktools.dll", "TessarkAO"});
+  EXPECT_TRUE(RefCast<Localizer>(c.result.AsObject()));
+  // Another language never asks for a satellite.
+  ScopedEnv de("LC_ALL", "de_DE");
+  c = Method(CreateObject("TessarkAO.TKSystemUtils"), "SetLocaleDLL", {"tktools.dll", "TessarkAO"});
+  EXPECT_TRUE(RefCast<Localizer>(c.result.AsObject()));
+}
+
+TEST_F(SystemUtilsTest, ADamagedStoreMakesReadsFailQuietly) {
+  std::ofstream(dir_ / "bad.sqlite3") << "definitely not an SQLite database file at all";
+  SetRegistry(OpenRegistryStore(dir_ / "bad.sqlite3"));
+  auto c = Method(sys_, "ReadRegistryStringValue", {3, "Software\\T", "x", "previous"});
+  EXPECT_EQ(ToLong(c.result), WinError::RegistryCorrupt);
+  EXPECT_EQ(ToLong(Method(sys_, "SetRegistryStringValue", {3, "Software\\T", "x", "v"}).result), 0);
+  EXPECT_NE(GetRegistry().LastError().find("corrupt"), std::string::npos);
+}
+
+}  // namespace

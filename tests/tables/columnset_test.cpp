@@ -1,0 +1,312 @@
+// TKColumnSet: the sort and the span tables against their step-by-step
+// definitions on many seeded random tables, and the cases callers rely on.
+#include <gtest/gtest.h>
+
+#include "LiteralModels.hpp"
+#include "TableTestUtil.hpp"
+
+using namespace TessarkAO;
+using namespace TessarkAO::TestUtil;
+
+namespace {
+
+// Column 1 letters, column 2 numbers.
+Ref<TKColumnSet> LettersAndNumbers(const std::vector<std::pair<std::string, double>>& rows) {
+  auto set = MakeRef<TKColumnSet>();
+  set->LetNumberOfRows(static_cast<std::int32_t>(rows.size()));
+  Ref<TKColumn> letters = set->AddColumn(TKColumnType_String);
+  Ref<TKColumn> numbers = set->AddColumn(TKColumnType_Double);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    letters->SetAt(static_cast<std::int32_t>(i + 1), Variant(rows[i].first));
+    numbers->SetAt(static_cast<std::int32_t>(i + 1), Variant(rows[i].second));
+  }
+  return set;
+}
+
+std::string Letters(const TKColumnSet& set) {
+  std::string s;
+  for (std::int32_t r = 1; r <= set.NumberOfRows(); ++r) s += set.GetElementAt(1, r).AsString();
+  return s;
+}
+
+struct Outcome {
+  int error = 0;
+  bool result = false;
+};
+
+// A random span context: one to three spans, reaching before row 1 and past
+// the last row at times, now and then with values that are not whole rows.
+Ref<TK2DArray> RandomContext(std::mt19937& rng, std::int32_t rows) {
+  const std::int32_t n = 1 + static_cast<std::int32_t>(rng() % 3);
+  std::vector<std::array<double, 2>> spans;
+  for (std::int32_t i = 0; i < n; ++i) {
+    double start = static_cast<double>(static_cast<std::int32_t>(rng() % static_cast<unsigned>(rows + 4)) - 2);
+    double end = start + static_cast<double>(static_cast<std::int32_t>(rng() % static_cast<unsigned>(rows + 6)) - 1);
+    if (rng() % 10 == 0) start += 0.5;
+    if (rng() % 10 == 0) end -= 0.5;
+    spans.push_back({start, end});
+  }
+  return Spans(spans);
+}
+
+// Sorts `set` fast and a clone step by step with the same arguments and
+// checks that rows, result and error agree.
+void CheckSort(std::mt19937& rng, const Values& values, std::int32_t rows, std::int32_t cols,
+               const std::string& where) {
+  Ref<TKColumnSet> fast = RandomSet(rng, values, rows, cols);
+  Ref<TKColumnSet> model = Clone(*fast);
+  std::vector<std::int32_t> keys(1 + rng() % 4);
+  for (auto& k : keys) k = rng() % 12 == 0 ? static_cast<std::int32_t>(rng() % 2) * (cols + 1)
+                                            : 1 + static_cast<std::int32_t>(rng() % static_cast<unsigned>(cols));
+  const std::uint32_t pick = rng() % 20;
+  const std::int32_t sortType = pick == 0 ? 3 : (pick < 10 ? 1 : 2);
+  const bool whole = rng() % 2 == 0;
+  Ref<TK2DArray> context = whole ? Spans({{1.0, static_cast<double>(rows)}}) : RandomContext(rng, rows);
+
+  Outcome a, b;
+  a.error = ErrorOf([&] {
+    a.result = whole ? fast->Sort(sortType, List(keys)) : fast->SortWithSpanContext(context, sortType, List(keys));
+  });
+  b.error = ErrorOf([&] { b.result = Literal::Sort(*model, context, sortType, keys); });
+  SCOPED_TRACE(where);
+  ASSERT_EQ(a.error, b.error);
+  if (a.error == 0) {
+    ASSERT_EQ(a.result, b.result);
+  }
+  ASSERT_TRUE(SameCells(*fast, *model));
+}
+
+}  // namespace
+
+TEST(ColumnSetSort, MatchesTheBubbleSortOnSmallRandomTables) {
+  const Values values;
+  for (std::uint32_t seed = 0; seed < 6000; ++seed) {
+    std::mt19937 rng(seed);
+    const auto rows = static_cast<std::int32_t>(rng() % 10);
+    const auto cols = 1 + static_cast<std::int32_t>(rng() % 4);
+    CheckSort(rng, values, rows, cols, "seed " + std::to_string(seed));
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(ColumnSetSort, MatchesTheBubbleSortOnLargerTablesWithNaN) {
+  const Values values(true);
+  for (std::uint32_t seed = 0; seed < 300; ++seed) {
+    std::mt19937 rng(1000003 + seed);
+    const auto rows = 10 + static_cast<std::int32_t>(rng() % 30);
+    CheckSort(rng, values, rows, 1 + static_cast<std::int32_t>(rng() % 3), "seed " + std::to_string(seed));
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(ColumnSetSort, DescendingTiesOverManyExtraPasses) {
+  // One key with only two values, spans reaching far past the last row: the
+  // tied rows keep rotating on every extra pass.
+  std::mt19937 rng(7);
+  for (int round = 0; round < 200; ++round) {
+    const auto rows = 2 + static_cast<std::int32_t>(rng() % 9);
+    auto fast = MakeRef<TKColumnSet>();
+    fast->LetNumberOfRows(rows);
+    Ref<TKColumn> key = fast->AddColumn(TKColumnType_Double);
+    Ref<TKColumn> id = fast->AddColumn(TKColumnType_Double);
+    for (std::int32_t r = 1; r <= rows; ++r) {
+      key->SetAt(r, Variant(static_cast<double>(rng() % 2)));
+      id->SetAt(r, Variant(static_cast<double>(r)));
+    }
+    Ref<TKColumnSet> model = Clone(*fast);
+    const double start = static_cast<double>(static_cast<std::int32_t>(rng() % 4) - 2);
+    const double end = rows + static_cast<double>(rng() % 40);
+    Ref<TK2DArray> context = Spans({{start, end}});
+    const bool a = fast->SortWithSpanContext(context, TKColumnSetSort_Descending, List({1}));
+    const bool b = Literal::Sort(*model, context, TKColumnSetSort_Descending, {1});
+    ASSERT_EQ(a, b) << round;
+    ASSERT_TRUE(SameCells(*fast, *model)) << round;
+  }
+}
+
+TEST(ColumnSetSort, StatedCases) {
+  // Sorting on numbers, then letters: (a,2), (b,1), (a,1) -> (a,1), (b,1), (a,2).
+  auto set = LettersAndNumbers({{"a", 2}, {"b", 1}, {"a", 1}});
+  EXPECT_TRUE(set->Sort(TKColumnSetSort_Ascending, List({2, 1})));
+  EXPECT_EQ(Letters(*set), "aba");
+  EXPECT_EQ(set->GetElementAt(2, 3).AsDouble(), 2.0);
+  // Rows already in order: False, nothing moves.
+  EXPECT_FALSE(set->Sort(TKColumnSetSort_Ascending, List({2, 1})));
+  EXPECT_EQ(Letters(*set), "aba");
+  // Descending on three equal keys: each of the two passes exchanges both pairs.
+  auto ties = LettersAndNumbers({{"A", 5}, {"B", 5}, {"C", 5}});
+  EXPECT_TRUE(ties->Sort(TKColumnSetSort_Descending, List({2})));
+  EXPECT_EQ(Letters(*ties), "CAB");
+  // Another sort type compares nothing, even on a column that does not exist.
+  EXPECT_FALSE(ties->Sort(7, List({99})));
+  EXPECT_EQ(Letters(*ties), "CAB");
+}
+
+TEST(ColumnSetSort, ColumnOrderThroughLateBoundCalls) {
+  auto set = LettersAndNumbers({{"a", 2}, {"b", 1}, {"a", 1}});
+  Ref<Object> o = set;
+  // An array as the single argument is the same as the numbers one by one.
+  SafeArray order = SafeArray::Vector(VarType::Variant, 0, 1);
+  order.Data()[0] = Variant(2);
+  order.Data()[1] = Variant(1);
+  EXPECT_TRUE(Invoke(o, "Sort", CallKind::Method, {Variant(1), Variant(order)}).AsBoolean());
+  EXPECT_EQ(Letters(*set), "aba");
+  // Descending on numbers, then letters, tied rows exchanged at every comparison.
+  EXPECT_TRUE(Invoke(o, "Sort", CallKind::Method, {Variant(2), Variant(2), Variant(1)}).AsBoolean());
+  EXPECT_EQ(Letters(*set), "aba");
+  EXPECT_EQ(set->GetElementAt(2, 1).AsDouble(), 2.0);
+  // A Long array handed straight to SortWithSpanContext is unwrapped too.
+  SafeArray longs = SafeArray::Vector(VarType::Long, 1, 1);
+  longs.Data()[0] = Variant(1);
+  EXPECT_TRUE(Invoke(o, "SortWithSpanContext", CallKind::Method,
+                     {Variant(Spans({{1, 3}})), Variant(1), Variant(longs)})
+                  .AsBoolean());
+  EXPECT_EQ(Letters(*set), "aab");
+  // GetSpanInformationForColumns takes numbers only.
+  EXPECT_EQ(ErrorOf([&] { Invoke(o, "GetSpanInformationForColumns", CallKind::Method, {Variant(order)}); }), 13);
+  EXPECT_TRUE(Invoke(o, "GetSpanInformationForColumns", CallKind::Method).IsNothing());
+  // No column numbers at all: nothing to do.
+  EXPECT_FALSE(Invoke(o, "Sort", CallKind::Method, {Variant(1)}).AsBoolean());
+}
+
+TEST(ColumnSetSort, ErrorsLeaveWhatWasSortedSorted) {
+  // Key 1 sorts, then key 9 (no such column) raises 9 when it is compared.
+  auto set = LettersAndNumbers({{"b", 1}, {"a", 2}, {"a", 3}});
+  EXPECT_EQ(ErrorOf([&] { set->Sort(TKColumnSetSort_Ascending, List({1, 9})); }), 9);
+  EXPECT_EQ(Letters(*set), "aab");
+  EXPECT_EQ(ErrorOf([&] { set->Sort(TKColumnSetSort_Descending, List({0, 1})); }), 9);
+  EXPECT_EQ(Letters(*set), "aab");
+  // An unknown column in one-row spans is never compared, and later keys
+  // find no spans to sort in.
+  auto rows = Spans({{1, 1}, {2, 2}, {3, 3}});
+  EXPECT_FALSE(set->SortWithSpanContext(rows, TKColumnSetSort_Descending, List({9, 1})));
+  EXPECT_EQ(Letters(*set), "aab");
+  EXPECT_EQ(ErrorOf([&] { set->SortWithSpanContext(Ref<TK2DArray>(), 1, List({1})); }), 91);
+  EXPECT_EQ(ErrorOf([&] { set->SortWithSpanContext(MakeRef<TK2DArray>(), 1, List({1})); }), 9);
+  EXPECT_EQ(ErrorOf([&] { set->Sort(1, List({})); }), 0);
+  // A context value that is not a Long raises 6.
+  EXPECT_EQ(ErrorOf([&] { set->SortWithSpanContext(Spans({{1, 3e10}}), 1, List({1})); }), 6);
+  // Text that is not a number in the column order: 13.
+  ParamArray bad;
+  bad.items = SafeArray::Vector(VarType::Variant, 0, 0);
+  bad.items.Data()[0] = Variant("first");
+  EXPECT_EQ(ErrorOf([&] { set->Sort(1, bad); }), 13);
+}
+
+TEST(ColumnSetSort, SetWithAResizedColumnSortsStepByStep) {
+  // A column resized behind the set's back: comparisons see its own length.
+  std::mt19937 rng(99);
+  const Values values;
+  for (int round = 0; round < 200; ++round) {
+    Ref<TKColumnSet> fast = RandomSet(rng, values, 6, 3);
+    fast->Item(1 + static_cast<std::int32_t>(rng() % 3))->LetNumberOfElements(static_cast<std::int32_t>(rng() % 9));
+    Ref<TKColumnSet> model = Clone(*fast);
+    model->LetNumberOfRows(6);  // Clone follows the columns; restore the set's own count
+    for (std::int32_t c = 1; c <= 3; ++c)
+      model->Item(c)->LetNumberOfElements(fast->Item(c)->NumberOfElements());
+    const std::int32_t type = 1 + static_cast<std::int32_t>(rng() % 2);
+    const std::vector<std::int32_t> keys = {1 + static_cast<std::int32_t>(rng() % 3), 1 + static_cast<std::int32_t>(rng() % 3)};
+    Ref<TK2DArray> context = RandomContext(rng, 6);
+    bool a = false, b = false;
+    const int ea = ErrorOf([&] { a = fast->SortWithSpanContext(context, type, List(keys)); });
+    const int eb = ErrorOf([&] { b = Literal::Sort(*model, context, type, keys); });
+    ASSERT_EQ(ea, eb);
+    ASSERT_EQ(a, b) << round;
+    ASSERT_TRUE(SameCells(*fast, *model)) << round;
+  }
+}
+
+TEST(ColumnSetSpans, MatchTheirDefinitionsOnRandomTables) {
+  const Values values(true);
+  for (std::uint32_t seed = 0; seed < 1500; ++seed) {
+    std::mt19937 rng(seed);
+    const auto rows = static_cast<std::int32_t>(rng() % 12);
+    Ref<TKColumnSet> set = RandomSet(rng, values, rows, 3);
+    const auto column = static_cast<std::int32_t>(rng() % 5);  // 0 and 4 are no columns
+    ASSERT_EQ(RowsOf(*set->GetSpanInformation(column)), RowsOf(*Literal::SpanInformation(*set, column))) << seed;
+    Ref<TK2DArray> context = RandomContext(rng, rows);
+    std::vector<std::array<double, 2>> fast, model;
+    const int ea = ErrorOf([&] { fast = RowsOf(*set->GetSpanInformationWithSpanContext(column, context)); });
+    const int eb = ErrorOf([&] { model = RowsOf(*Literal::SpanInformationWithContext(*set, column, *context)); });
+    ASSERT_EQ(ea, eb) << seed;
+    ASSERT_EQ(fast, model) << seed;
+    // Several columns: the first column's spans refined by each further one.
+    Ref<TK2DArray> chained = Literal::SpanInformation(*set, 1);
+    chained = Literal::SpanInformationWithContext(*set, 2, *chained);
+    chained = Literal::SpanInformationWithContext(*set, 3, *chained);
+    ASSERT_EQ(RowsOf(*set->GetSpanInformationForColumns(List({1, 2, 3}))), RowsOf(*chained)) << seed;
+  }
+}
+
+TEST(ColumnSetSpans, StatedCases) {
+  auto set = LettersAndNumbers({{"a", 1}, {"a", 1}, {"b", 1}});
+  using Rows = std::vector<std::array<double, 2>>;
+  EXPECT_EQ(RowsOf(*set->GetSpanInformation(1)), (Rows{{1, 2}, {3, 3}}));
+  Ref<TK2DArray> none = MakeRef<TKColumnSet>()->GetSpanInformation(1);
+  ASSERT_TRUE(none);
+  EXPECT_EQ(none->Rows(), 0);
+  EXPECT_EQ(set->GetSpanInformation(5)->Rows(), 0);
+  // A context span (1, 3) refined by a, a, a, a gives (1, 3) only.
+  auto four = LettersAndNumbers({{"a", 0}, {"a", 0}, {"a", 0}, {"a", 0}});
+  EXPECT_EQ(RowsOf(*four->GetSpanInformationWithSpanContext(1, Spans({{1, 3}}))), (Rows{{1, 3}}));
+  // A run crossing the end of a fractional span is cut at that end.
+  EXPECT_EQ(RowsOf(*four->GetSpanInformationWithSpanContext(1, Spans({{1, 2.5}}))), (Rows{{1, 2.5}}));
+  EXPECT_EQ(ErrorOf([&] { four->GetSpanInformationWithSpanContext(1, Ref<TK2DArray>()); }), 91);
+  EXPECT_EQ(RowsOf(*four->GetSpanInformationForColumns(List({1, 2}))), (Rows{{1, 4}}));
+  // The spans follow the rows after a sort.
+  auto mixed = LettersAndNumbers({{"b", 0}, {"a", 0}, {"B", 0}, {"a", 0}});
+  mixed->Sort(TKColumnSetSort_Ascending, List({1}));
+  EXPECT_EQ(RowsOf(*mixed->GetSpanInformation(1)), (Rows{{1, 2}, {3, 4}}));
+}
+
+TEST(ColumnSet, RowsColumnsCopiesAndMerges) {
+  auto set = LettersAndNumbers({{"a", 1}, {"b", 2}, {"c", 3}, {"d", 4}, {"e", 5}, {"f", 6}});
+  EXPECT_TRUE(set->Item(0) == nullptr);
+  EXPECT_TRUE(set->GetElementAt(3, 1).IsEmpty());
+  set->AddRow();
+  EXPECT_EQ(set->Item(1)->NumberOfElements(), 7);
+  EXPECT_EQ(set->GetElementAt(1, 7).AsString(), "");
+  set->LetNumberOfRows(6);
+  Ref<TKColumn> added = set->AddColumn(TKColumnType_Object);
+  EXPECT_EQ(added->NumberOfElements(), 6);
+
+  // Rows 2..4, and rows outside the set keep the defaults.
+  Ref<TKColumnSet> part = set->CreateColumnSetFromRows(2, 4);
+  EXPECT_EQ(part->NumberOfRows(), 3);
+  EXPECT_EQ(Letters(*part), "bcd");
+  Ref<TKColumnSet> edge = set->CreateColumnSetFromRows(5, 8);
+  EXPECT_EQ(Letters(*edge), "ef");
+  EXPECT_EQ(edge->GetElementAt(2, 4).AsDouble(), 0.0);
+
+  // A three-row set merges into the six-row one from row 4, not from row 5.
+  auto three = LettersAndNumbers({{"x", 7}, {"y", 8}, {"z", 9}});
+  EXPECT_FALSE(set->MergeColumnSet(three, 5));
+  EXPECT_FALSE(set->MergeColumnSet(three, 0));
+  EXPECT_EQ(Letters(*set), "abcdef");
+  // It has fewer columns: the first two are merged, then the third fails.
+  EXPECT_EQ(ErrorOf([&] { set->MergeColumnSet(three, 4); }), 91);
+  EXPECT_EQ(Letters(*set), "abcxyz");
+  set->LetNumberOfRows(6);
+  auto wide = LettersAndNumbers({{"p", 1}, {"q", 2}, {"r", 3}});
+  wide->AddColumn(TKColumnType_String);  // a String column onto the Object column: refused cell by cell
+  EXPECT_TRUE(set->MergeColumnSet(wide, 4));
+  EXPECT_EQ(Letters(*set), "abcpqr");
+  EXPECT_TRUE(set->GetElementAt(3, 4).IsNothing());
+  EXPECT_EQ(ErrorOf([&] { set->MergeColumnSet(Ref<TKColumnSet>(), 1); }), 91);
+}
+
+TEST(ColumnSet, MembersInSlotOrder) {
+  std::vector<std::string> names;
+  for (const auto& m : TKColumnSet::StaticClass().Members()) names.push_back(m.name);
+  EXPECT_EQ(names, (std::vector<std::string>{"GetElementAt", "Item", "NumberOfRows", "NumberOfColumns",
+                                             "AddColumn", "AddRow", "GetSpanInformationForColumns",
+                                             "GetSpanInformationWithSpanContext", "GetSpanInformation",
+                                             "SortWithSpanContext", "Sort", "CreateColumnSetFromRows",
+                                             "MergeColumnSet"}));
+  Ref<Object> o = CreateObject("TessarkAO.TKColumnSet");
+  Invoke(o, "AddColumn", CallKind::Method, {Variant(1)});
+  // The default member is Item.
+  std::vector<Variant> one = {Variant(1)};
+  EXPECT_TRUE(o->InvokeId(DispIdValue, CallKind::Get, one).IsObject());
+  EXPECT_EQ(ErrorOf([&] { Invoke(o, "NumberOfColumns", CallKind::Let, {Variant(3)}); }), 438);
+}
