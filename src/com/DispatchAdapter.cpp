@@ -21,7 +21,7 @@ const GUID IID_INativeObject = {0x2F4C1B6E, 0x8D3A, 0x4E59, {0xA7, 0xC0, 0x5B, 0
 
 namespace {
 
-constexpr std::size_t kMaxArgs = 16;
+constexpr std::size_t kMaxArgs = 32;  // room for variable-length lists
 std::atomic<long> g_adapters{0};
 
 // The catalogue record of a class name, looked up once per member table.

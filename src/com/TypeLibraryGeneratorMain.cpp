@@ -32,7 +32,14 @@ int main(int argc, char** argv) {
     std::cerr << "usage: tk_typelib_generator <out.idl> <out.rc> <served.txt>\n";
     return 2;
   }
-  const std::vector<Com::ServedClass> classes = Com::ServedClasses();
+  std::vector<std::string> failures;
+  const std::vector<Com::ServedClass> classes = Com::ServedClasses(&failures);
+  if (!failures.empty()) {
+    // A class with a factory that cannot be created would silently drop out
+    // of the server: the build stops and says which.
+    for (const std::string& f : failures) std::cerr << "tk_typelib_generator: cannot create " << f << "\n";
+    return 1;
+  }
   if (!WriteFile(argv[1], Com::WriteIdl(Com::ServerTypeLibrary(), classes))) return 1;
   if (!WriteFile(argv[2], Com::WriteStringTableScript(StringTableEntries()))) return 1;
   std::string served;

@@ -72,6 +72,9 @@ std::string DefaultLiteral(const ParamInfo& p) {
 
 // One parameter: "[in] double dblX", "[in, out] VARIANT* vValues", ...
 std::string Param(const ParamInfo& p, std::string_view name) {
+  // A trailing variable-length list is the array that a vararg method's
+  // last parameter receives.
+  if (p.paramArray) return "[in] SAFEARRAY(VARIANT) " + std::string(name);
   std::string attrs = p.output ? "in, out" : "in";
   std::string type(IdlTypeName(p.type));
   if (p.optional) {
@@ -135,7 +138,9 @@ void WriteInterface(std::string& out, const ServedClass& c) {
     const DispId id = (m.id == info.DefaultMember()) ? DispIdValue : m.id;
     const std::string name = IdlIdentifier(m.name);
     if (m.get) {
-      out += "      " + Attributes(id, m.isMethod ? "" : "propget", m.doc) + " " + ResultType(m.get) + " " +
+      std::string kind = m.isMethod ? "" : "propget";
+      if (m.get.paramArray) kind += kind.empty() ? "vararg" : ", vararg";
+      out += "      " + Attributes(id, kind, m.doc) + " " + ResultType(m.get) + " " +
              name + "(" + ParamList(m.get, nullptr, false) + ");\n";
     }
     if (m.let) {
@@ -186,7 +191,7 @@ const TypeLibraryInfo& ServerTypeLibrary() noexcept {
   return info;
 }
 
-std::vector<ServedClass> ServedClasses() {
+std::vector<ServedClass> ServedClasses(std::vector<std::string>* failures) {
   std::vector<ServedClass> out;
   (void)LibraryClasses();  // the catalogue is installed before it is read
   for (const ClassRecord& r : Catalogue()) {
@@ -194,8 +199,9 @@ std::vector<ServedClass> ServedClasses() {
     try {
       Ref<Object> o = CreateObject(r.progId);
       if (o && o->Class()) out.push_back({&r, o->Class()});
-    } catch (const AutomationError&) {
+    } catch (const AutomationError& e) {
       // A class that cannot be created cannot be served either.
+      if (failures) failures->push_back(std::string(r.progId) + ": error " + std::to_string(e.Number()) + " " + e.Description());
     }
   }
   return out;

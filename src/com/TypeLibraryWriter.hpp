@@ -14,7 +14,9 @@
 //   Double double, Single float, Long long, Integer short, Byte unsigned char,
 //   Boolean VARIANT_BOOL, String BSTR, Currency CURRENCY, Date DATE,
 //   Decimal DECIMAL, Object IDispatch*, Variant VARIANT;
-//   an output argument is [in, out] and a pointer to its type.
+//   an output argument is [in, out] and a pointer to its type; a trailing
+//   variable-length list (ParamArray) makes the method vararg, its last
+//   parameter a SAFEARRAY(VARIANT).
 //
 // An optional argument with a default that the type library can state (a
 // whole number, a Boolean, a string) carries it as defaultvalue; any other
@@ -41,8 +43,9 @@ struct ServedClass {
 };
 
 // Every catalogued class that has a factory, in catalogue order.  One
-// instance of each is created and released to read its member table.
-std::vector<ServedClass> ServedClasses();
+// instance of each is created and released to read its member table; a class
+// whose creation fails is left out and named in `failures` (with its error).
+std::vector<ServedClass> ServedClasses(std::vector<std::string>* failures = nullptr);
 
 struct TypeLibraryInfo {
   std::string_view name;    // "TessarkAO"

@@ -47,11 +47,20 @@ std::optional<std::string_view> LookupString(std::int32_t id) noexcept {
 
 std::optional<std::string> LoadStringResource(std::int32_t id) {
 #ifdef _WIN32
+  // The server DLL carries the table as its string resource (blocks of 16
+  // ids).  A program built from the same sources without the resource (the
+  // build's own generator, the test programs) reads the table itself.
+  const HMODULE module = Win32::ThisModule();
+  if (id < 0) return std::nullopt;
+  if (!FindResourceW(module, MAKEINTRESOURCEW(id / 16 + 1), MAKEINTRESOURCEW(6))) {  // RT_STRING
+    if (auto text = LookupString(id)) return std::string(*text);
+    return std::nullopt;
+  }
   // LoadStringW with a zero buffer size hands out the resource's own text,
   // which is not terminated; a length of 0 means there is no such string.
   const wchar_t* text = nullptr;
-  const int length = LoadStringW(Win32::ThisModule(), static_cast<UINT>(id), reinterpret_cast<LPWSTR>(&text), 0);
-  if (id < 0 || length <= 0 || !text) return std::nullopt;
+  const int length = LoadStringW(module, static_cast<UINT>(id), reinterpret_cast<LPWSTR>(&text), 0);
+  if (length <= 0 || !text) return std::nullopt;
   return Win32::Narrow(text, static_cast<std::size_t>(length));
 #else
   if (auto text = LookupString(id)) return std::string(*text);

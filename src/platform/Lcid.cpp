@@ -61,8 +61,6 @@ std::uint32_t LcidFromLocaleName(std::string_view name) noexcept {
   const std::string_view modifier = at == std::string_view::npos ? std::string_view() : name.substr(at + 1);
 
   if (EqualsNoCaseAscii(language, "ja")) return kJapanese;
-  // English in every territory, the portable "C" and "POSIX" locales, and
-  // any language the table does not know, read as the system's English.
   if (EqualsNoCaseAscii(language, "sr") && EqualsNoCaseAscii(modifier, "latin")) return kSerbianLatin;
   std::uint32_t languageDefault = 0;
   for (const LcidEntry& e : kLcids) {
@@ -72,6 +70,8 @@ std::uint32_t LcidFromLocaleName(std::string_view name) noexcept {
     else if (EqualsNoCaseAscii(e.territory, territory))
       return e.lcid;
   }
+  // English in every territory, the portable "C" and "POSIX" locales, and
+  // any language the table does not know, read as the system's English.
   return languageDefault != 0 ? languageDefault : kEnglish;
 }
 

@@ -224,6 +224,64 @@ TEST_F(RegistryStoreTest, AccessRightsPathsAndDeletion) {
   EXPECT_EQ(store_->DeleteKey(kHkeyCurrentUser, ""), WinError::AccessDenied);
 }
 
+// Another process (a second store on the same file) changes keys between
+// this store's calls: every read and write sees the file as it is now.
+TEST_F(RegistryStoreTest, ChangesByAnotherProcessAreSeenAtOnce) {
+  auto other = OpenRegistryStore(dir_ / "reg.sqlite3");
+  const RegHandle k = Create(kHkeyCurrentUser, "Software\\Shared");
+  Put(k, "v", RegType::String, "first");
+  std::uint32_t type = 0;
+  std::string data;
+  RegHandle r = 0;
+  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, r), 0);
+  ASSERT_EQ(Get(r, "v", type, data), 0);
+  store_->CloseKey(r);
+
+  // Deleted and made anew, with another value, by the other store.
+  ASSERT_EQ(other->DeleteTree(kHkeyCurrentUser, "Software\\Shared"), 0);
+  RegHandle o = 0;
+  ASSERT_EQ(other->CreateKey(kHkeyCurrentUser, "Software\\Shared", o), 0);
+  const std::string second = "second";
+  ASSERT_EQ(other->SetValue(o, "v", RegType::String, reinterpret_cast<const std::uint8_t*>(second.data()), 6), 0);
+
+  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, r), 0);
+  ASSERT_EQ(Get(r, "v", type, data), 0);
+  EXPECT_EQ(data, "second");
+  std::string name;
+  ASSERT_EQ(store_->EnumValue(r, 0, name, nullptr, nullptr), 0);
+  // The handle opened before the key was deleted no longer writes anywhere.
+  EXPECT_EQ(store_->SetValue(k, "v", RegType::String, nullptr, 0), WinError::KeyDeleted);
+
+  // Deleted for good: the next open or read says so.
+  ASSERT_EQ(other->DeleteTree(kHkeyCurrentUser, "Software\\Shared"), 0);
+  EXPECT_EQ(Get(r, "v", type, data), WinError::FileNotFound);
+  RegHandle gone = 0;
+  const RegStatus s = store_->OpenKey(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, gone);
+  if (s == 0) EXPECT_EQ(Get(gone, "v", type, data), WinError::FileNotFound);
+  else EXPECT_EQ(s, WinError::FileNotFound);
+
+  // A size query and the data query after it return one consistent value.
+  const RegHandle w = Create(kHkeyCurrentUser, "Software\\Snap");
+  Put(w, "v", RegType::String, "short");
+  std::uint32_t size = 0;
+  ASSERT_EQ(store_->QueryValue(w, "v", &type, nullptr, &size), 0);
+  RegHandle ow = 0;
+  ASSERT_EQ(other->CreateKey(kHkeyCurrentUser, "Software\\Snap", ow), 0);
+  ASSERT_EQ(other->SetValue(ow, "v", RegType::String, reinterpret_cast<const std::uint8_t*>("much longer"), 11), 0);
+  std::vector<std::uint8_t> buf(size);
+  ASSERT_EQ(store_->QueryValue(w, "v", &type, buf.data(), &size), 0);
+  EXPECT_EQ(std::string(buf.begin(), buf.end()), "short");
+  ASSERT_EQ(Get(w, "v", type, data), 0);  // a fresh read sees the new value
+  EXPECT_EQ(data, "much longer");
+  // A write through this store drops what a size query kept.
+  ASSERT_EQ(store_->QueryValue(w, "v", &type, nullptr, &size), 0);
+  Put(w, "v", RegType::String, "x");
+  std::uint8_t big[32];
+  size = sizeof big;
+  ASSERT_EQ(store_->QueryValue(w, "v", &type, big, &size), 0);
+  EXPECT_EQ(size, 1u);
+}
+
 TEST_F(RegistryStoreTest, RegFilesRoundTripByteForByte) {
   const RegHandle k = Create(kHkeyCurrentUser, "SOFTWARE\\Tessark\\VelloraSuite\\AddOns");
   Put(k, "LastRunProductName", RegType::String, std::string_view("TESSARK\0", 8));

@@ -18,23 +18,12 @@ class AppUtilsTest : public SystemTest {
 };
 
 TEST_F(AppUtilsTest, MembersInSlotOrder) {
-  const char* names[] = {"Path",
-                         "ApplicationVersion",
-                         "ProductInRegistryCurrentUser",
-                         "ProductInRegistryLocalMachine",
-                         "CommonInRegistryCurrentUser",
-                         "CommonInRegistryLocalMachine",
-                         "GetRegistryPreferenceString",
-                         "GetRegistryPreferenceLong",
-                         "RegistryPreferenceBegin",
-                         "RegistryPreferenceEnd",
-                         "GetCommonRegistryPreferenceString",
-                         "GetCommonRegistryPreferenceLong",
-                         "ProgID",
-                         "CommonBinariesPath",
-                         "ApplicationDataFolder",
-                         "CommonApplicationDataFolder",
-                         "PersonalFolder"};
+  const char* names[] = {
+      "Path", "ApplicationVersion", "ProductInRegistryCurrentUser", "ProductInRegistryLocalMachine",
+      "CommonInRegistryCurrentUser", "CommonInRegistryLocalMachine", "GetRegistryPreferenceString",
+      "GetRegistryPreferenceLong", "RegistryPreferenceBegin", "RegistryPreferenceEnd",
+      "GetCommonRegistryPreferenceString", "GetCommonRegistryPreferenceLong", "ProgID", "CommonBinariesPath",
+      "ApplicationDataFolder", "CommonApplicationDataFolder", "PersonalFolder"};
   const ClassInfo* info = app_->Class();
   ASSERT_EQ(info->Members().size(), std::size(names));
   for (std::size_t i = 0; i < std::size(names); ++i) EXPECT_EQ(info->Find(names[i]), static_cast<DispId>(i + 1));

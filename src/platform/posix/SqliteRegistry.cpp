@@ -1,7 +1,7 @@
 // The registry store off Windows: one SQLite database file.
 //
 // Layout of the file:
-//   keys(id, parent, root, path, fold)   one row per key; the three roots are
+//   keys(id, parent, root, path, fold)   one row per key (ids never reused); the roots are
 //                                        rows 1 to 3 with an empty path.
 //                                        `path` is the key's path below its
 //                                        root as first spelled, `fold` the
@@ -108,7 +108,10 @@ enum Stmt : int {
 
 constexpr const char* kSql[kStmtCount] = {
     "SELECT id, path FROM keys WHERE root = ?1 AND fold = ?2",
-    "SELECT type, data FROM vals WHERE key_id = ?1 AND fold = ?2",
+    // The value of a key, checking on the way that the key still has the
+    // path the handle was opened with.
+    "SELECT v.type, v.data FROM vals v JOIN keys k ON k.id = v.key_id "
+    "WHERE v.key_id = ?1 AND v.fold = ?2 AND k.root = ?3 AND k.fold = ?4",
     "INSERT INTO vals(key_id, fold, name, type, data) SELECT ?1, ?2, ?3, ?4, ?5 "
     "WHERE EXISTS (SELECT 1 FROM keys WHERE id = ?1) "
     "ON CONFLICT(key_id, fold) DO UPDATE SET type = excluded.type, data = excluded.data",
@@ -131,7 +134,7 @@ constexpr const char* kSql[kStmtCount] = {
 };
 
 constexpr const char* kSchema =
-    "CREATE TABLE IF NOT EXISTS keys(id INTEGER PRIMARY KEY, parent INTEGER NOT NULL, root INTEGER NOT NULL,"
+    "CREATE TABLE IF NOT EXISTS keys(id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER NOT NULL, root INTEGER NOT NULL,"
     " path TEXT NOT NULL, fold TEXT NOT NULL, UNIQUE(root, fold));"
     "CREATE INDEX IF NOT EXISTS keys_parent ON keys(parent, fold);"
     "CREATE TABLE IF NOT EXISTS vals(key_id INTEGER NOT NULL, fold TEXT NOT NULL, name TEXT NOT NULL,"
@@ -139,12 +142,27 @@ constexpr const char* kSchema =
     "INSERT OR IGNORE INTO keys(id, parent, root, path, fold) VALUES"
     " (1, 0, 2147483648, '', ''), (2, 0, 2147483649, '', ''), (3, 0, 2147483650, '', '');";
 
+// A value read by a size query, kept for the data query that follows it on
+// the same handle: callers ask for the size, then read into a buffer of that
+// size, and get the very data the size was measured from.  Used once, and
+// dropped by any write through this store.
+struct PendingValue {
+  bool valid = false;
+  std::uint64_t generation = 0;
+  std::string fold;
+  std::uint32_t type = 0;
+  std::vector<std::uint8_t> data;
+};
+constexpr std::size_t kMaxPendingBytes = 65536;
+
 struct OpenKeyState {
   std::int64_t id = 0;
   RegHandle root = 0;
   std::string path;  // as spelled
   std::string fold;
   std::uint32_t access = 0;
+  PendingValue pending;
+  bool verified = true;  // false while `id` comes from the key cache unchecked
 };
 
 class SqliteRegistry final : public RegistryStore {
@@ -185,7 +203,7 @@ class SqliteRegistry final : public RegistryStore {
   RegStatus Exec(const char* sql, std::string_view what);
 
   // The key a handle denotes (roots included); nullptr for a handle not open.
-  const OpenKeyState* Lookup(RegHandle key, OpenKeyState& rootState) const;
+  OpenKeyState* Lookup(RegHandle key, OpenKeyState& rootState);
   RegHandle NewHandle(OpenKeyState state);
   // Finds the key `fold` below `root`; 0 when it does not exist.
   RegStatus FindKey(RegHandle root, const std::string& fold, std::int64_t& id, std::string* path);
@@ -203,6 +221,24 @@ class SqliteRegistry final : public RegistryStore {
   bool broken_ = false;       // close and reopen before the next use
   sqlite3_stmt* stmts_[kStmtCount] = {};
   std::unordered_map<RegHandle, OpenKeyState> handles_;
+  std::uint64_t writeGeneration_ = 0;  // counts writes through this store
+  // Ids of keys looked up before, by root and folded path, so that opening a
+  // key for a read costs no look-up of its own.  An id from here is checked
+  // by the read itself, or before any other use of the handle (Verify).
+  std::unordered_map<std::string, std::pair<std::int64_t, std::string>> keyCache_;
+  static constexpr std::size_t kMaxCachedKeys = 4096;
+  static std::string CacheKey(RegHandle root, std::string_view fold) {
+    std::string k = std::to_string(root);
+    k.push_back(':');
+    k.append(fold);
+    return k;
+  }
+  void Remember(RegHandle root, const std::string& fold, std::int64_t id, const std::string& path) {
+    if (keyCache_.size() >= kMaxCachedKeys) keyCache_.clear();
+    keyCache_[CacheKey(root, fold)] = {id, path};
+  }
+  // Makes sure a handle's key id is current; 2 when its key is gone.
+  RegStatus Verify(OpenKeyState& k);
   RegHandle nextHandle_ = 0x100;
 };
 
@@ -450,9 +486,9 @@ void BindText(sqlite3_stmt* st, int i, std::string_view s) {
 // ---------------------------------------------------------------------------
 // Handles.
 
-const OpenKeyState* SqliteRegistry::Lookup(RegHandle key, OpenKeyState& rootState) const {
+OpenKeyState* SqliteRegistry::Lookup(RegHandle key, OpenKeyState& rootState) {
   if (const std::int64_t id = RootId(key)) {
-    rootState = OpenKeyState{id, key, {}, {}, RegAccess::AllAccess};
+    rootState = OpenKeyState{id, key, {}, {}, RegAccess::AllAccess, {}};
     return &rootState;
   }
   auto it = handles_.find(key);
@@ -481,12 +517,23 @@ RegStatus SqliteRegistry::FindKey(RegHandle root, const std::string& fold, std::
   const int rc = sqlite3_step(st);
   if (rc == SQLITE_ROW) {
     id = sqlite3_column_int64(st, 0);
-    if (path) path->assign(reinterpret_cast<const char*>(sqlite3_column_text(st, 1)),
-                           static_cast<std::size_t>(sqlite3_column_bytes(st, 1)));
+    std::string spelled(reinterpret_cast<const char*>(sqlite3_column_text(st, 1)),
+                        static_cast<std::size_t>(sqlite3_column_bytes(st, 1)));
+    Remember(root, fold, id, spelled);
+    if (path) *path = std::move(spelled);
     return WinError::Success;
   }
   if (rc == SQLITE_DONE) return WinError::FileNotFound;
   return Fail(rc, "cannot read");
+}
+
+RegStatus SqliteRegistry::Verify(OpenKeyState& k) {
+  if (k.verified) return WinError::Success;
+  std::int64_t id = 0;
+  if (RegStatus s = FindKey(k.root, k.fold, id, &k.path); s != 0) return s;
+  k.id = id;
+  k.verified = true;
+  return WinError::Success;
 }
 
 RegStatus SqliteRegistry::OpenKey(RegHandle key, std::string_view subKey, std::uint32_t access, RegHandle& result) {
@@ -498,12 +545,20 @@ RegStatus SqliteRegistry::OpenKey(RegHandle key, std::string_view subKey, std::u
   if (!base) return WinError::InvalidHandle;
   std::string display, fold;
   if (RegStatus s = NormalizePath(subKey, display, fold); s != 0) return s;
-  OpenKeyState state{base->id, base->root, Join(base->path, display), Join(base->fold, fold), access};
+  OpenKeyState state{base->id, base->root, Join(base->path, display), Join(base->fold, fold), access, {}};
+  state.verified = base->verified;
   if (!fold.empty()) {
+    state.verified = true;
     const RegStatus ready = Ensure(false);
     if (ready == kNoFile) return WinError::FileNotFound;
     if (ready != WinError::Success) return ready;
-    if (RegStatus s = FindKey(state.root, state.fold, state.id, &state.path); s != 0) return s;
+    if (auto it = keyCache_.find(CacheKey(state.root, state.fold)); it != keyCache_.end()) {
+      state.id = it->second.first;
+      state.path = it->second.second;
+      state.verified = false;
+    } else if (RegStatus s = FindKey(state.root, state.fold, state.id, &state.path); s != 0) {
+      return s;
+    }
   }
   result = NewHandle(std::move(state));
   return WinError::Success;
@@ -550,8 +605,9 @@ RegStatus SqliteRegistry::CreateKey(RegHandle key, std::string_view subKey, RegH
   std::string display, fold;
   if (RegStatus s = NormalizePath(subKey, display, fold); s != 0) return s;
   OpenKeyState state{base->id, base->root, Join(base->path, display), Join(base->fold, fold),
-                     RegAccess::AllAccess};
+                     RegAccess::AllAccess, {}};
   if (fold.empty()) {
+    state.verified = base->verified;
     result = NewHandle(std::move(state));
     return WinError::Success;
   }
@@ -568,13 +624,12 @@ RegStatus SqliteRegistry::CreateKey(RegHandle key, std::string_view subKey, RegH
     return ready;
   }
   if (RegStatus s = Ensure(true); s != 0) return s;
-  const OpenKeyState baseCopy = *base;
+  OpenKeyState baseCopy = *base;
   Transaction tx(db_);
   if (const int rc = tx.Begin(); rc != SQLITE_OK) return Fail(rc, "cannot write");
   if (baseCopy.fold.size() > 0) {
     // The key the handle names must still be there.
-    std::int64_t check = 0;
-    if (RegStatus s = FindKey(baseCopy.root, baseCopy.fold, check, nullptr); s != 0)
+    if (RegStatus s = FindKey(baseCopy.root, baseCopy.fold, baseCopy.id, nullptr); s != 0)
       return s == WinError::FileNotFound ? WinError::KeyDeleted : s;
   }
   if (RegStatus s = CreatePath(baseCopy, display, state.id, state.path, state.fold); s != 0) return s;
@@ -597,27 +652,65 @@ RegStatus SqliteRegistry::QueryValue(RegHandle key, std::string_view name, std::
   std::lock_guard lock(mutex_);
   lastError_.clear();
   OpenKeyState rootState;
-  const OpenKeyState* k = Lookup(key, rootState);
+  OpenKeyState* k = Lookup(key, rootState);
   if (!k) return WinError::InvalidHandle;
   if ((k->access & RegAccess::QueryValue) == 0) return WinError::AccessDenied;
   if (data && !size) return WinError::InvalidParameter;
-  const RegStatus ready = Ensure(false);
-  if (ready == kNoFile) return WinError::FileNotFound;
-  if (ready != WinError::Success) return ready;
-  sqlite3_stmt* st = Prepare(kGetValue);
-  if (!st) return Fail(sqlite3_errcode(db_), "cannot read");
-  StmtScope scope{st};
-  sqlite3_bind_int64(st, 1, k->id);
-  BindText(st, 2, UpperCase(CString(name)));
-  const int rc = sqlite3_step(st);
-  if (rc == SQLITE_DONE) return WinError::FileNotFound;
-  if (rc != SQLITE_ROW) return Fail(rc, "cannot read");
-  const std::uint32_t t = static_cast<std::uint32_t>(sqlite3_column_int64(st, 0));
-  const void* blob = sqlite3_column_blob(st, 1);
-  const std::uint32_t n = static_cast<std::uint32_t>(sqlite3_column_bytes(st, 1));
+  std::string fold = UpperCase(CString(name));
+
+  // The data query right after a size query of the same value.
+  PendingValue& pending = k->pending;
+  const bool usePending =
+      data && pending.valid && pending.generation == writeGeneration_ && pending.fold == fold;
+  pending.valid = false;
+  std::uint32_t t = 0, n = 0;
+  const void* blob = nullptr;
+  StmtScope scope{nullptr};
+  if (usePending) {
+    t = pending.type;
+    n = static_cast<std::uint32_t>(pending.data.size());
+    blob = pending.data.data();
+  } else {
+    const RegStatus ready = Ensure(false);
+    if (ready == kNoFile) return WinError::FileNotFound;
+    if (ready != WinError::Success) return ready;
+    sqlite3_stmt* st = nullptr;
+    int rc;
+    for (;;) {
+      st = Prepare(kGetValue);
+      if (!st) return Fail(sqlite3_errcode(db_), "cannot read");
+      sqlite3_bind_int64(st, 1, k->id);
+      BindText(st, 2, fold);
+      sqlite3_bind_int64(st, 3, k->root);
+      BindText(st, 4, k->fold);
+      rc = sqlite3_step(st);
+      if (rc != SQLITE_DONE || k->verified) break;
+      // Not found through a remembered key id: the key may have been
+      // deleted or made anew since.  Look it up and try once more.
+      sqlite3_reset(st);
+      const std::int64_t before = k->id;
+      if (RegStatus s = Verify(*k); s != 0) return s;
+      if (k->id == before) break;
+    }
+    scope.st = st;
+    if (rc == SQLITE_DONE) return WinError::FileNotFound;
+    if (rc != SQLITE_ROW) return Fail(rc, "cannot read");
+    k->verified = true;
+    t = static_cast<std::uint32_t>(sqlite3_column_int64(st, 0));
+    blob = sqlite3_column_blob(st, 1);
+    n = static_cast<std::uint32_t>(sqlite3_column_bytes(st, 1));
+  }
   if (type) *type = t;
   if (!data) {
     if (size) *size = n;
+    if (k != &rootState && n <= kMaxPendingBytes) {
+      const auto* bytes = static_cast<const std::uint8_t*>(blob);
+      pending.data.assign(bytes, bytes + n);
+      pending.fold = std::move(fold);
+      pending.type = t;
+      pending.generation = writeGeneration_;
+      pending.valid = true;
+    }
     return WinError::Success;
   }
   const std::uint32_t capacity = *size;
@@ -633,6 +726,7 @@ RegStatus SqliteRegistry::QueryValue(RegHandle key, std::string_view name, std::
 
 RegStatus SqliteRegistry::PutValue(std::int64_t id, std::string_view name, std::uint32_t type,
                                    const std::uint8_t* data, std::uint32_t size) {
+  ++writeGeneration_;
   sqlite3_stmt* st = Prepare(kPutValue);
   if (!st) return Fail(sqlite3_errcode(db_), "cannot write");
   StmtScope scope{st};
@@ -652,7 +746,7 @@ RegStatus SqliteRegistry::SetValue(RegHandle key, std::string_view name, std::ui
   std::lock_guard lock(mutex_);
   lastError_.clear();
   OpenKeyState rootState;
-  const OpenKeyState* k = Lookup(key, rootState);
+  OpenKeyState* k = Lookup(key, rootState);
   if (!k) return WinError::InvalidHandle;
   if ((k->access & RegAccess::SetValue) == 0) return WinError::AccessDenied;
   name = CString(name);
@@ -660,6 +754,7 @@ RegStatus SqliteRegistry::SetValue(RegHandle key, std::string_view name, std::ui
   if (size > 0 && !data) return WinError::InvalidParameter;
   if (size > 0x7FFFFFFFu) return WinError::InvalidParameter;
   if (RegStatus s = Ensure(true); s != 0) return s;
+  if (RegStatus s = Verify(*k); s != 0) return s == WinError::FileNotFound ? WinError::KeyDeleted : s;
   // One statement: its own transaction, one durable commit.
   return PutValue(k->id, name, type, data, size);
 }
@@ -687,12 +782,14 @@ RegStatus SqliteRegistry::DeleteValue(RegHandle key, std::string_view name) {
   std::lock_guard lock(mutex_);
   lastError_.clear();
   OpenKeyState rootState;
-  const OpenKeyState* k = Lookup(key, rootState);
+  OpenKeyState* k = Lookup(key, rootState);
   if (!k) return WinError::InvalidHandle;
   if ((k->access & RegAccess::SetValue) == 0) return WinError::AccessDenied;
   const RegStatus ready = Ensure(false);
   if (ready == kNoFile) return WinError::FileNotFound;
   if (ready != WinError::Success) return ready;
+  if (RegStatus s = Verify(*k); s != 0) return s;
+  ++writeGeneration_;
   sqlite3_stmt* st = Prepare(kDeleteValue);
   if (!st) return Fail(sqlite3_errcode(db_), "cannot write");
   StmtScope scope{st};
@@ -706,6 +803,8 @@ RegStatus SqliteRegistry::DeleteValue(RegHandle key, std::string_view name) {
 // Deleting keys.
 
 RegStatus SqliteRegistry::DeleteSubtree(RegHandle root, const std::string& fold, bool keepSelf) {
+  ++writeGeneration_;
+  keyCache_.clear();
   for (Stmt s : {kDeleteSubtreeValues, kDeleteSubtreeKeys}) {
     sqlite3_stmt* st = Prepare(s);
     if (!st) return Fail(sqlite3_errcode(db_), "cannot write");
@@ -783,11 +882,12 @@ RegStatus SqliteRegistry::EnumKey(RegHandle key, std::uint32_t index, std::strin
   std::lock_guard lock(mutex_);
   lastError_.clear();
   OpenKeyState rootState;
-  const OpenKeyState* k = Lookup(key, rootState);
+  OpenKeyState* k = Lookup(key, rootState);
   if (!k) return WinError::InvalidHandle;
   const RegStatus ready = Ensure(false);
   if (ready == kNoFile) return WinError::NoMoreItems;
   if (ready != WinError::Success) return ready;
+  if (RegStatus s = Verify(*k); s != 0) return s;
   sqlite3_stmt* st = Prepare(kEnumKey);
   if (!st) return Fail(sqlite3_errcode(db_), "cannot read");
   StmtScope scope{st};
@@ -808,12 +908,13 @@ RegStatus SqliteRegistry::EnumValue(RegHandle key, std::uint32_t index, std::str
   std::lock_guard lock(mutex_);
   lastError_.clear();
   OpenKeyState rootState;
-  const OpenKeyState* k = Lookup(key, rootState);
+  OpenKeyState* k = Lookup(key, rootState);
   if (!k) return WinError::InvalidHandle;
   if ((k->access & RegAccess::QueryValue) == 0) return WinError::AccessDenied;
   const RegStatus ready = Ensure(false);
   if (ready == kNoFile) return WinError::NoMoreItems;
   if (ready != WinError::Success) return ready;
+  if (RegStatus s = Verify(*k); s != 0) return s;
   sqlite3_stmt* st = Prepare(kEnumValue);
   if (!st) return Fail(sqlite3_errcode(db_), "cannot read");
   StmtScope scope{st};
@@ -862,12 +963,13 @@ RegStatus SqliteRegistry::ImportRegText(std::string_view text) {
         if (RegStatus s = DeleteSubtree(k.root, fold, false); s != 0) return s;
       continue;
     }
-    const OpenKeyState root{RootId(k.root), k.root, {}, {}, RegAccess::AllAccess};
+    const OpenKeyState root{RootId(k.root), k.root, {}, {}, RegAccess::AllAccess, {}};
     std::int64_t id = root.id;
     std::string path, f;
     if (RegStatus s = CreatePath(root, display, id, path, f); s != 0) return s;
     for (const RegFileValue& v : k.values) {
       if (v.remove) {
+        ++writeGeneration_;
         sqlite3_stmt* st = Prepare(kDeleteValue);
         if (!st) return Fail(sqlite3_errcode(db_), "cannot write");
         StmtScope scope{st};

@@ -1,0 +1,153 @@
+// The type-library and string-resource writers, driven by member tables.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+
+#include "automation/Members.hpp"
+#include "com/Guid.hpp"
+#include "com/TypeLibraryWriter.hpp"
+#include "frame/ClassCatalogue.hpp"
+#include "frame/StringTable.hpp"
+
+using namespace TessarkAO;
+using namespace TessarkAO::Com;
+
+namespace {
+
+class Sample final : public Dispatch<Sample> {
+ public:
+  static constexpr std::string_view kClassName = "Sample";
+  static void Describe(ClassBuilder<Sample>& b) {
+    b.Property<&Sample::GetX, &Sample::LetX>("X")
+        .Method<&Sample::GetPosition>("GetPosition", Names{"dblX", "dblY"})
+        .Method<&Sample::Sum>("Sum", Names{"a", "b"}, Opt{Variant(std::int32_t{10})})
+        .Method<&Sample::Scale>("Scale", Names{"factor"}, Opt{Variant(0.5)})
+        .Method<&Sample::Seen>("Seen", Names{"v"}, Opt{Variant::Missing()})
+        .Method<&Sample::Label>("Label", Names{"text", "upper"}, Opt{Variant("a\"b"), Variant(true)})
+        .Get<&Sample::Value>("Value", Names{"long"})
+        .Let<&Sample::LetValue>("Value")
+        .Default()
+        .PropertyRef<&Sample::GetChild, &Sample::SetChild>("Child")
+        .Method<&Sample::Order>("Order", Names{"kind", "columns"});
+  }
+  double GetX() { return 0; }
+  void LetX(double) {}
+  void GetPosition(double&, double&) {}
+  std::int32_t Sum(std::int32_t a, std::int32_t b) { return a + b; }
+  double Scale(double f) { return f; }
+  bool Seen(const Variant& v) { return v.IsMissing(); }
+  std::string Label(std::string t, bool) { return t; }
+  double Value(std::int32_t) { return 0; }
+  void LetValue(std::int32_t, double) {}
+  Ref<Object> GetChild() { return {}; }
+  void SetChild(Ref<Object>) {}
+  bool Order(std::int32_t, ParamArray) { return true; }
+};
+
+constexpr std::array<std::string_view, 1> kEarlier = {"{11111111-2222-3333-4444-555555555555}"};
+const ClassRecord kSampleRecord{"Sample", "TessarkAO.Sample", "{47ACD0FF-AF38-11D2-99DB-00A0244EC406}",
+                                "{FC2139FF-4068-11D3-80CC-00C04F6BFADF}", kEarlier, false};
+
+std::string SampleIdl() {
+  const ServedClass c{&kSampleRecord, &Sample::StaticClass()};
+  return WriteIdl(ServerTypeLibrary(), std::span<const ServedClass>(&c, 1));
+}
+
+bool Has(const std::string& text, const std::string& line) { return text.find(line) != std::string::npos; }
+
+}  // namespace
+
+TEST(TypeLibraryWriter, MembersBecomeDispatchInterfaceEntriesInSlotOrder) {
+  const std::string idl = SampleIdl();
+  const std::vector<std::string> expected = {
+      "[id(1), propget] double X();",
+      "[id(1), propput] void X([in] double rhs);",
+      "[id(2)] void GetPosition([in, out] double* dblX, [in, out] double* dblY);",
+      "[id(3)] long Sum([in] long a, [in, optional, defaultvalue(10)] long b);",
+      // A default the library cannot state (a fraction) leaves an optional VARIANT.
+      "[id(4)] double Scale([in, optional] VARIANT factor);",
+      "[id(5)] VARIANT_BOOL Seen([in, optional] VARIANT v);",
+      "[id(6)] BSTR Label([in, optional, defaultvalue(\"a\\\"b\")] BSTR text, "
+      "[in, optional, defaultvalue(-1)] VARIANT_BOOL upper);",
+      // The default member is DISPID_VALUE; a reserved word is renamed.
+      "[id(0), propget] double Value([in] long long_);",
+      "[id(0), propput] void Value([in] long long_, [in] double rhs);",
+      "[id(8), propget] IDispatch* Child();",
+      "[id(8), propputref] void Child([in] IDispatch* rhs);",
+      "[id(9), vararg] VARIANT_BOOL Order([in] long kind, [in] SAFEARRAY(VARIANT) columns);",
+  };
+  std::size_t at = 0;
+  for (const std::string& line : expected) {
+    const std::size_t found = idl.find(line, at);
+    ASSERT_NE(found, std::string::npos) << line << "\n" << idl;
+    at = found;
+  }
+}
+
+TEST(TypeLibraryWriter, LibraryInterfaceAndClassCarryTheCatalogueIdentifiers) {
+  const std::string idl = SampleIdl();
+  EXPECT_TRUE(Has(idl, "import \"TypeLibraryBase.idl\";"));
+  EXPECT_TRUE(Has(idl, "uuid(" + std::string(StripBraces(kTypeLibraryId)) + "),\n  version(1.0)"));
+  EXPECT_TRUE(Has(idl, "library TessarkAO\n{\n  importlib(\"stdole2.tlb\");"));
+  EXPECT_TRUE(Has(idl, "[uuid(FC2139FF-4068-11D3-80CC-00C04F6BFADF), hidden"));
+  EXPECT_TRUE(Has(idl, "dispinterface _Sample {"));
+  EXPECT_TRUE(Has(idl, "[uuid(47ACD0FF-AF38-11D2-99DB-00A0244EC406), helpstring(\"TessarkAO.Sample\")]\n"
+                       "  coclass Sample {\n    [default] dispinterface _Sample;\n  };"));
+}
+
+TEST(TypeLibraryWriter, IdentifiersAreMadeUsable) {
+  EXPECT_EQ(IdlIdentifier("dblX"), "dblX");
+  EXPECT_EQ(IdlIdentifier("double"), "double_");
+  EXPECT_EQ(IdlIdentifier("Interface"), "Interface_");  // widl's words compare without case here
+  EXPECT_EQ(IdlIdentifier("2nd value"), "_2nd_value");
+  EXPECT_EQ(IdlIdentifier(""), "_");
+}
+
+TEST(TypeLibraryWriter, EveryServedClassAppearsOnceWithItsInterface) {
+  const std::vector<ServedClass> served = ServedClasses();
+  const std::string idl = WriteIdl(ServerTypeLibrary(), served);
+  for (const ServedClass& c : served) {
+    ASSERT_NE(c.info, nullptr);
+    EXPECT_TRUE(HasFactory(c.record->name));
+    const std::string coclass = "coclass " + std::string(c.record->name) + " {";
+    EXPECT_EQ(idl.find(coclass), idl.rfind(coclass)) << c.record->name;
+    EXPECT_TRUE(Has(idl, "[uuid(" + std::string(StripBraces(c.record->iid)) + "), hidden")) << c.record->name;
+    // Every member of the table has its entries.
+    for (const MemberInfo& m : c.info->Members())
+      EXPECT_TRUE(Has(idl, " " + IdlIdentifier(m.name) + "(")) << c.record->name << "." << m.name;
+  }
+}
+
+TEST(StringTableScript, EveryEntryQuotedForTheResourceCompiler) {
+  const std::string rc = WriteStringTableScript(StringTableEntries());
+  EXPECT_TRUE(Has(rc, "#pragma code_page(65001)"));
+  EXPECT_TRUE(Has(rc, "LANGUAGE 9, 1\nSTRINGTABLE\nBEGIN\n"));
+  for (const auto& [id, text] : StringTableEntries())
+    EXPECT_TRUE(Has(rc, "  " + std::to_string(id) + ", \"" + std::string(text) + "\"\n")) << id;
+  const std::pair<std::int32_t, std::string_view> odd[] = {{7, "say \"hi\" \\ bye"}};
+  EXPECT_TRUE(Has(WriteStringTableScript(odd), "  7, \"say \"\"hi\"\" \\\\ bye\"\n"));
+}
+
+TEST(Guid, ParsesTheCatalogueFormsAndRejectsTheRest) {
+  const auto g = ParseGuid("{47acd072-AF38-11d2-99DB-00A0244EC406}");
+  ASSERT_TRUE(g);
+  EXPECT_EQ(g->data1, 0x47ACD072u);
+  EXPECT_EQ(g->data2, 0xAF38u);
+  EXPECT_EQ(g->data3, 0x11D2u);
+  EXPECT_EQ(g->data4[0], 0x99u);
+  EXPECT_EQ(g->data4[7], 0x06u);
+  EXPECT_EQ(FormatGuid(*g), "{47ACD072-AF38-11D2-99DB-00A0244EC406}");
+  EXPECT_EQ(ParseGuid("47ACD072-AF38-11D2-99DB-00A0244EC406"), g);
+  for (std::string_view bad : {"", "{47ACD072-AF38-11D2-99DB-00A0244EC406", "47ACD072AF3811D299DB00A0244EC406",
+                               "{47ACD072-AF38-11D2-99DB-00A0244EC40G}", "{47ACD072-AF38+11D2-99DB-00A0244EC406}",
+                               "(47ACD072-AF38-11D2-99DB-00A0244EC406)"})
+    EXPECT_FALSE(ParseGuid(bad)) << bad;
+  for (const ClassRecord& r : LibraryClasses()) {
+    for (std::string_view id : {r.clsid, r.iid}) {
+      const auto parsed = ParseGuid(id);
+      ASSERT_TRUE(parsed) << id;
+      EXPECT_EQ(FormatGuid(*parsed), id);
+    }
+  }
+}
