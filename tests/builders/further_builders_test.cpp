@@ -1,13 +1,13 @@
 // The sheet-metal form, curved stock and conic builders on the reference
-// host: the host calls of Create and Finish (recorded by a proxy that every
-// host object the builder reaches passes through), placement, defaults and
-// checks, and the shapes as the scene sees them afterwards.
+// host: the host calls of Create and Finish (from the host's call journal),
+// placement, defaults and checks, and the shapes as the scene sees them
+// afterwards.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
+#include <sstream>
 
-#include <memory>
 
 #include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
@@ -19,78 +19,41 @@ using namespace TessarkAO;
 
 namespace {
 
-// The calls made through a Recorder, one line each as the host's journal
-// writes them ("let  Scene1//Part.Name = \"x\"").
-struct CallLog {
-  std::vector<std::string> lines;
-};
-
-// A host object seen through a recorder: every call on it, and on every
-// object it hands out, is written to the log before it is forwarded.
-// Recorders passed back in as arguments are unwrapped first.
-class Recorder final : public Object {
- public:
-  Recorder(Ref<Object> target, std::shared_ptr<CallLog> log) : target_(std::move(target)), log_(std::move(log)) {}
-  const Ref<Object>& Target() const { return target_; }
-
-  Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
-    for (Variant& a : args) {
-      Variant& d = a.Deref();
-      if (d.IsObject())
-        if (auto* r = dynamic_cast<Recorder*>(d.AsObject().get())) d = Variant(r->Target());
-    }
-    RefHost::JournalEntry e{RefHost::DescribeObject(target_), std::string(name), kind,
-                            std::vector<Variant>(args.begin(), args.end())};
-    std::string line = RefHost::FormatJournal({e});
-    line.pop_back();
-    log_->lines.push_back(std::move(line));
-    Variant result = target_->Invoke(name, kind, args);
-    if (result.IsObject() && !result.IsNothing())
-      return Variant(MakeRef<Recorder>(result.AsObject(), log_));
-    return result;
-  }
-  Variant InvokeId(DispId, CallKind, std::span<Variant>) override { Raise(Err::NoSuchMember); }
-
- private:
-  Ref<Object> target_;
-  std::shared_ptr<CallLog> log_;
-};
-
-Ref<Object> Unwrap(const Variant& v) {
-  if (auto* r = dynamic_cast<Recorder*>(v.AsObject().get())) return r->Target();
-  return v.AsObject();
-}
-
 constexpr const char* kForm = "TessarkAO.TKSMFormingShape";
 constexpr const char* kCurved = "TessarkAO.TKSMCurvedStockShape";
 constexpr const char* kConic = "TessarkAO.TKSMConicShape";
 
-// A fresh scene, with helpers to reach its root and to make a part in it.
-struct SceneFixture : ::testing::Test {
+// A fresh scene with the host's journal on, and helpers to reach its root
+// and to make a part in it.
+struct SheetMetalScene : ::testing::Test {
   Ref<Object> app = RefHost::NewApplication();
   Variant page = Variant(app).Get("ActivePage");
   Variant root = page.Get("Shape");
-  std::shared_ptr<CallLog> log = std::make_shared<CallLog>();
 
-  Variant Recorded(const Variant& hostObject) { return Variant(MakeRef<Recorder>(hostObject.AsObject(), log)); }
-  Variant NewPart() { return root.Get("Components", 2).Call("Item", 1).Get("Shapes", 3).Call("Add"); }
-  // The calls and assignments of the log, leaving out the reads and the
-  // position and anchor writes of the placement (checked by value below).
-  std::vector<std::string> Actions() const {
+  void SetUp() override {
+    RefHost::ClearJournal();
+    RefHost::StartJournal();
+  }
+  void TearDown() override {
+    RefHost::StopJournal();
+    RefHost::ClearJournal();
+  }
+  Variant NewPart() {
+    Variant part = root.Get("Components", 2).Call("Item", 1).Get("Shapes", 3).Call("Add");
+    RefHost::ClearJournal();
+    return part;
+  }
+  // The journal's lines, leaving out the reads and the position and anchor
+  // writes of the placement (checked by value below); with `letsOnly` the
+  // assignments alone.
+  static std::vector<std::string> Actions(bool letsOnly = false) {
     std::vector<std::string> out;
-    for (const std::string& l : log->lines) {
-      if (l.rfind("get", 0) == 0) continue;
+    std::istringstream lines(RefHost::FormatJournal(RefHost::Journal()));
+    for (std::string l; std::getline(lines, l);) {
+      if (l.rfind("get", 0) == 0 || (letsOnly && l.rfind("let", 0) != 0)) continue;
       if (l.find(".Components(4)") != std::string::npos || l.find(".Components(5)") != std::string::npos) continue;
       out.push_back(l);
     }
-    return out;
-  }
-  std::vector<std::string> Lets() const {
-    std::vector<std::string> out;
-    for (const std::string& l : log->lines)
-      if (l.rfind("let", 0) == 0 && l.find(".Components(4)") == std::string::npos &&
-          l.find(".Components(5)") == std::string::npos)
-        out.push_back(l);
     return out;
   }
 };
@@ -117,8 +80,6 @@ TEST(FurtherBuilders, DefaultsAndChecks) {
   Variant form(CreateObject(kForm)), curved(CreateObject(kCurved)), conic(CreateObject(kConic));
   for (const Variant* b : {&form, &curved, &conic}) {
     EXPECT_EQ(ToString(b->Get("UserName")), "Sheet Metal");
-    EXPECT_TRUE(b->Get("Part").IsNothing());
-    b->Call("Finish");  // nothing created: no host object to call
     EXPECT_TRUE(b->Get("Part").IsNothing());
   }
   EXPECT_EQ(ToDouble(form.Get("Depth")), 0.25);
@@ -160,12 +121,26 @@ TEST(FurtherBuilders, DefaultsAndChecks) {
   EXPECT_EQ(ToDouble(curved.Get("SweepAngle")), 6.28);
 }
 
-TEST_F(SceneFixture, FormCreateInAnAssemblyAndFinish) {
+// Finish before Create makes no host call, even with a host shape at hand
+// through the builder's position.
+TEST_F(SheetMetalScene, FinishBeforeCreateMakesNoHostCall) {
+  const Variant part = NewPart();
+  for (const char* progId : {kForm, kCurved, kConic}) {
+    Variant b(CreateObject(progId));
+    b.Get("Position").Set("Shape", part);
+    RefHost::ClearJournal();
+    b.Call("Finish");
+    EXPECT_TRUE(RefHost::Journal().empty()) << progId;
+    EXPECT_TRUE(b.Get("Part").IsNothing());
+  }
+}
+
+TEST_F(SheetMetalScene, FormCreateInAnAssemblyAndFinish) {
   Variant b(CreateObject(kForm));
   b.Let("Depth", 0.5);
   b.Let("Direction", 2);
   b.Let("UserName", "Louver");
-  const Variant shape = b.Call("Create", Recorded(root));
+  const Variant shape = b.Call("Create", root);
   const std::string s = "Scene1//Part//Louver";
   const std::vector<std::string> create = {
       "call Scene1//.Components(2).Item(1%)",
@@ -184,13 +159,13 @@ TEST_F(SceneFixture, FormCreateInAnAssemblyAndFinish) {
   };
   EXPECT_EQ(Actions(), create);
   EXPECT_EQ(ToLong(shape.Get("Type")), 13);
-  EXPECT_EQ(Unwrap(b.Get("Part")).get(), Unwrap(shape).get());
+  EXPECT_EQ(b.Get("Part").AsObject().get(), shape.AsObject().get());
 
   // The footprint is drawn by the caller; Finish then regenerates.
   const Variant path = b.Get("PathComponents").Call("Add");
   path.Call("SetStartPoint", 0.0, 0.0);
   for (auto [x, y] : {std::pair{2.0, 0.0}, {2.0, 1.0}, {0.0, 1.0}, {0.0, 0.0}}) path.Call("AddLineTo", x, y);
-  log->lines.clear();
+  RefHost::ClearJournal();
   b.Call("Finish");
   EXPECT_EQ(Actions(), kSheetMetalFinish(s));
   // The host's form stands out below the sheet by its depth.
@@ -199,10 +174,10 @@ TEST_F(SceneFixture, FormCreateInAnAssemblyAndFinish) {
   EXPECT_EQ(Var(shape, 1, 1), 2.0);
 }
 
-TEST_F(SceneFixture, FormCreateOnAPart) {
+TEST_F(SheetMetalScene, FormCreateOnAPart) {
   const Variant part = NewPart();
   Variant b(CreateObject(kForm));
-  b.Call("Create", Recorded(part));
+  b.Call("Create", part);
   const std::vector<std::string> expected = {
       "call Scene1//Part.Components(62).Add()",
       "call Scene1//Part.Components(23).Item(1%)",
@@ -218,17 +193,17 @@ TEST_F(SceneFixture, FormCreateOnAPart) {
   };
   EXPECT_EQ(Actions(), expected);
   // A second form on the same part finds its sheet-metal component.
-  log->lines.clear();
-  Variant(CreateObject(kForm)).Call("Create", Recorded(part));
+  RefHost::ClearJournal();
+  Variant(CreateObject(kForm)).Call("Create", part);
   EXPECT_EQ(Actions().front(), "call Scene1//Part.Components(62).Item(1%)");
 }
 
-TEST_F(SceneFixture, CurvedStockDrawsItsArc) {
+TEST_F(SheetMetalScene, CurvedStockDrawsItsArc) {
   Variant b(CreateObject(kCurved));
   b.Let("Radius", 2.0);
   b.Let("Width", 3.0);
   b.Let("Thickness", 0.25);
-  const Variant shape = b.Call("Create", Recorded(NewPart()));
+  const Variant shape = b.Call("Create", NewPart());
   const double q = 3.14159265358979 / 180 * 90;
   const std::string s = "Scene1//Part//Sheet Metal";
   const std::string paths = s + ".Components(15).Item(1).Profile.Components(3)";
@@ -249,7 +224,7 @@ TEST_F(SceneFixture, CurvedStockDrawsItsArc) {
           D(std::tan(q / 4)) + ")",
   };
   EXPECT_EQ(Actions(), expected);
-  log->lines.clear();
+  RefHost::ClearJournal();
   b.Call("Finish");
   EXPECT_EQ(Actions(), kSheetMetalFinish(s));
   EXPECT_EQ(Var(shape, 1, 3), 3.0);  // the host stands curved stock as wide as its width
@@ -258,7 +233,7 @@ TEST_F(SceneFixture, CurvedStockDrawsItsArc) {
 // The arc as the host reads it back: end point on the circle at the sweep
 // angle, and an H factor equal to the arc's height over its chord divided by
 // half the chord, worked out from the drawn points alone.
-TEST_F(SceneFixture, CurvedStockArcGeometry) {
+TEST_F(SheetMetalScene, CurvedStockArcGeometry) {
   std::mt19937 rng(20260522);
   std::uniform_real_distribution<double> radius(0.01, 50.0), angle(0.01, 6.27);
   for (int i = 0; i < 40; ++i) {
@@ -282,12 +257,12 @@ TEST_F(SceneFixture, CurvedStockArcGeometry) {
   }
 }
 
-TEST_F(SceneFixture, ConicSendsItsNamedParameters) {
+TEST_F(SheetMetalScene, ConicSendsItsNamedParameters) {
   Variant b(CreateObject(kConic));
   b.Let("TopRadius", 0.75);
   b.Let("BottomRadius", 2.5);
   b.Let("Height", 4.0);
-  const Variant shape = b.Call("Create", Recorded(root));
+  const Variant shape = b.Call("Create", root);
   const std::string s = "Scene1//Part//Sheet Metal.Components(63).Item(1)";
   const std::vector<std::string> lets = {
       "let  Scene1//Part//Sheet Metal Extrude.Name = \"Sheet Metal\"",
@@ -297,7 +272,7 @@ TEST_F(SceneFixture, ConicSendsItsNamedParameters) {
       "let  " + s + ".Variable(58).Value = 2.5",
       "let  " + s + ".Variable(59).Value = 4",
   };
-  EXPECT_EQ(Lets(), lets);
+  EXPECT_EQ(Actions(true), lets);
   const std::vector<std::string> actions = Actions();
   EXPECT_NE(std::find(actions.begin(), actions.end(),
                       "call Scene1//Part//Sheet Metal Extrude.Initialize(3&)"),
@@ -309,7 +284,7 @@ TEST_F(SceneFixture, ConicSendsItsNamedParameters) {
   EXPECT_TRUE(Globals::FindHostVariable(stock, "Bottom").IsNothing());
   EXPECT_TRUE(Globals::FindHostVariable(stock, "").IsNothing());
 
-  log->lines.clear();
+  RefHost::ClearJournal();
   b.Call("Finish");
   EXPECT_EQ(Actions(), kSheetMetalFinish("Scene1//Part//Sheet Metal"));
 
@@ -317,16 +292,16 @@ TEST_F(SceneFixture, ConicSendsItsNamedParameters) {
   Variant closed(CreateObject(kConic));
   closed.Let("TopRadius", 0.0);
   closed.Let("BottomRadius", 0.0);
-  log->lines.clear();
-  EXPECT_THROW(closed.Call("Create", Recorded(root)), AutomationError);
-  EXPECT_TRUE(log->lines.empty());
+  RefHost::ClearJournal();
+  EXPECT_THROW(closed.Call("Create", root), AutomationError);
+  EXPECT_TRUE(RefHost::Journal().empty());
   EXPECT_TRUE(closed.Get("Part").IsNothing());
 }
 
 // Each builder places its shape with its own position: in an assembly the
 // new part takes the placement and the feature sits at the part's origin; on
 // a part the feature itself takes it.  The scene lists the new shape.
-TEST_F(SceneFixture, PlacementAndTheSceneAfterwards) {
+TEST_F(SheetMetalScene, PlacementAndTheSceneAfterwards) {
   struct Case {
     const char* progId;
     std::int32_t kind;
@@ -356,7 +331,7 @@ TEST_F(SceneFixture, PlacementAndTheSceneAfterwards) {
       EXPECT_EQ(Var(placed, 4, 2), 20.0) << c.progId;
       EXPECT_EQ(Var(placed, 4, 3), 5.0) << c.progId;
       if (inAssembly) {
-        EXPECT_NE(Unwrap(placed).get(), Unwrap(part).get());
+        EXPECT_NE(placed.AsObject().get(), part.AsObject().get());
         for (int n = 1; n <= 3; ++n) EXPECT_EQ(Var(shape, 4, n), 0.0) << c.progId;
         EXPECT_EQ(ToDouble(b.Get("Position").Get("PosX")), 0.0);  // zeroed for the feature
       }
