@@ -44,11 +44,18 @@ class HostCurve;
 namespace ShapeType {
 constexpr std::int32_t Assembly = 1, Facet = 2, Part = 3, Extrude = 5, Profile2D = 9, SMExtrude = 11,
                        Bend = 14, Last = 14;
+constexpr std::int32_t SMForm = 13;
+}
+// What a sheet-metal extrude's Initialize makes of it (its first argument;
+// flat stock when it is left out).
+namespace StockForm {
+constexpr std::int32_t Flat = 1, Curved = 2, Conic = 3;
 }
 namespace ComponentType {
 constexpr std::int32_t Sizebox = 1, Group = 2, Path = 3, Position = 4, Anchor = 5, SurfaceFinish = 7,
                        Facet = 10, Extrude = 14, Profile = 15, Studio = 18, History = 23, AddOn = 43,
                        SMPart = 62, SMExtrude = 63, SMBend = 66;
+constexpr std::int32_t SMForm = 67;
 }
 namespace CurveType {
 constexpr std::int32_t Fillet = 0, Line = 1, Arc = 2, Bezier = 3, Ellipse = 4, BSpline = 5;

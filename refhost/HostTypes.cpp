@@ -153,6 +153,11 @@ constexpr VarDef kSMBend[] = {{1, "Angle", D, 1.5707963267948966},
                               {18, "Corner Relief Orientation 2", L, 0},
                               {19, "Initialized", L, 0}};
 
+// A forming tool pressed into the sheet: direction 1 up, 2 down; lengths in
+// page units.
+constexpr VarDef kSMForm[] = {
+    {1, "Direction", L, 1}, {2, "Depth", D, 0.25}, {3, "Punch Radius", D, 0.0625}, {4, "Die Radius", D, 0.0625}};
+
 // Path curves: the variable numbers follow the host's curve layouts.
 constexpr VarDef kStart[] = {{1, "X", D, 0}, {2, "Y", D, 0}};
 constexpr VarDef kFillet[] = {
@@ -199,6 +204,7 @@ std::span<const VarDef> ComponentVarDefs(std::int32_t type) {
     case ComponentType::SMPart: return kSMPart;
     case ComponentType::SMExtrude: return kSMExtrude;
     case ComponentType::SMBend: return kSMBend;
+    case ComponentType::SMForm: return kSMForm;
     default: return {};
   }
 }

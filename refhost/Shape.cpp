@@ -356,7 +356,16 @@ void HostShape::ResetSizeBox() {
       zlo = 0.0 - e->Vars().Number(56);  // 0 - 0 is +0: an unextruded side is not -0
       zhi = e->Vars().Number(55);
     } else if (const HostComponent* e = First(ComponentType::SMExtrude)) {
-      zhi = e->Vars().Number(55);
+      // Curved stock stands as wide as its Width; flat stock as its thickness.
+      const VarSlot* width = const_cast<HostComponent*>(e)->Vars().FindByName("Width");
+      zhi = width ? width->num : e->Vars().Number(55);
+    } else if (const HostComponent* f = First(ComponentType::SMForm)) {
+      // A form reaches its depth above (direction 1) or below the sheet.
+      const double depth = f->Vars().Number(2);
+      if (f->Vars().Number(1) == 2.0)
+        zlo = 0.0 - depth;  // 0 - 0 is +0
+      else
+        zhi = depth;
     }
     extend({plo.x, plo.y, std::min(zlo, zhi)});
     extend({phi.x, phi.y, std::max(zlo, zhi)});
@@ -402,11 +411,34 @@ void HostShape::RealignAnchor() {
 void HostShape::Update() { Reevaluate(); }
 
 // Sets up a sheet-metal feature: a sheet-metal extrude gets its extrude and
-// profile components, a part with a sheet-metal component is marked as
-// initialised.  The arguments are accepted and not used.
-void HostShape::Initialize(const Variant&, const Variant&, const Variant&, const Variant&) {
+// profile components, a form shape its form and profile components, a part
+// with a sheet-metal component is marked as initialised.  A sheet-metal
+// extrude takes its stock form as the first argument: curved stock adds the
+// variable "Width" (57) to its extrude component, conic stock the variables
+// "Top Radius", "Bottom Radius" and "Height" (57 to 59); callers find the
+// latter by name.  The other arguments are accepted and not used.
+void HostShape::Initialize(const Variant& form, const Variant&, const Variant&, const Variant&) {
   if (type_ == ShapeType::SMExtrude) {
     if (!First(ComponentType::SMExtrude)) AddComponent(ComponentType::SMExtrude);
+    if (!First(ComponentType::Profile)) AddComponent(ComponentType::Profile);
+    const std::int32_t stock = form.IsMissing() ? StockForm::Flat : ToLong(form);
+    VarTable& vars = First(ComponentType::SMExtrude)->Vars();
+    auto declare = [&](std::int32_t number, const char* name, double initial) {
+      if (vars.Declare(number, VarType::Double, name)) vars.SetNumber(number, initial);
+    };
+    switch (stock) {
+      case StockForm::Flat: break;
+      case StockForm::Curved: declare(57, "Width", 1.0); break;
+      case StockForm::Conic:
+        declare(57, "Top Radius", 0.5);
+        declare(58, "Bottom Radius", 1.0);
+        declare(59, "Height", 1.0);
+        break;
+      default: Raise(Err::InvalidCall, "The host has no sheet-metal stock form " + std::to_string(stock));
+    }
+  }
+  if (type_ == ShapeType::SMForm) {
+    if (!First(ComponentType::SMForm)) AddComponent(ComponentType::SMForm);
     if (!First(ComponentType::Profile)) AddComponent(ComponentType::Profile);
   }
   if (type_ == ShapeType::Bend && !First(ComponentType::SMBend)) AddComponent(ComponentType::SMBend);
@@ -525,6 +557,10 @@ Ref<HostShape> HostContainerComponent::AddShape(std::int32_t kind) {
       s->AddComponent(ComponentType::Profile);
       break;
     case ShapeType::Bend: s->AddComponent(ComponentType::SMBend); break;
+    case ShapeType::SMForm:
+      s->AddComponent(ComponentType::SMForm);
+      s->AddComponent(ComponentType::Profile);
+      break;
     default: break;
   }
   Adopt(s);
