@@ -504,7 +504,11 @@ void Loader::ReadVariable(const Json& v, VarTable& table, std::int32_t number, b
     value = Member(v, "value");
     expression = Member(v, "expression");
     vartype = Member(v, "vartype");
-    if (const Json* n = Member(v, "name")) {
+    // A named variable beyond the host's own is one the host added to the
+    // component (the stock forms of a sheet-metal extrude): declared as well.
+    const Json* n = Member(v, "name");
+    if (n && !table.Find(number)) declare = true;
+    if (n) {
       At at(*this, "name");
       if (!declare) Fail("the host names this variable itself");
       name = String(*n);

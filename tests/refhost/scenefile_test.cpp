@@ -222,6 +222,13 @@ TEST(SceneFile, WhatAHandWrittenFileMeans) {
   EXPECT_EQ(
       RefHost::SaveSceneToString(RefHost::LoadSceneFromString(RefHost::SaveSceneToString(b.AsObject()))),
       RefHost::SaveSceneToString(b.AsObject()));
+  // Variables the host adds to its own components (curved stock's Width)
+  // are saved with their names and read back.
+  Variant stock = AddShape(root, 11);
+  stock.Call("Initialize", 2);
+  ASSERT_EQ(ToString(Comp(stock, 63).Call("Variable", 57).Get("Name")), "Width");
+  const std::string text = RefHost::SaveSceneToString(b.AsObject());
+  EXPECT_EQ(RefHost::SaveSceneToString(RefHost::LoadSceneFromString(text)), text);
 }
 
 TEST(SceneFile, MalformedFilesNameThePlace) {
