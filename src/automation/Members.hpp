@@ -457,22 +457,36 @@ class Dispatch : public Base {
   }
   const ClassInfo* Class() const noexcept override { return &StaticClass(); }
 
-  DispId GetDispId(std::string_view name) const override { return StaticClass().Find(name); }
+  // Over a base of its own (a host object that records its calls, say) the
+  // base keeps control of every call; over Object itself the calls take the
+  // direct routes below.
+  DispId GetDispId(std::string_view name) const override {
+    if constexpr (std::is_same_v<Base, Object>) return StaticClass().Find(name);
+    else return Base::GetDispId(name);
+  }
 
   // Property gets and methods without arguments, by far the most frequent
   // calls, go straight to their thunk; everything else through the checks.
   Variant InvokeId(DispId id, CallKind kind, std::span<Variant> args) override {
-    const ClassInfo& info = StaticClass();
-    if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) {
-      if (Thunk t = info.PlainGetter(id)) return t(this, args);
+    if constexpr (std::is_same_v<Base, Object>) {
+      const ClassInfo& info = StaticClass();
+      if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) {
+        if (Thunk t = info.PlainGetter(id)) return t(this, args);
+      }
+      return info.Invoke(this, id, kind, args);
+    } else {
+      return Base::InvokeId(id, kind, args);
     }
-    return info.Invoke(this, id, kind, args);
   }
 
   Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
-    const DispId id = StaticClass().Find(name);
-    if (id == DispIdUnknown) Raise(Err::NoSuchMember);
-    return Dispatch::InvokeId(id, kind, args);
+    if constexpr (std::is_same_v<Base, Object>) {
+      const DispId id = StaticClass().Find(name);
+      if (id == DispIdUnknown) Raise(Err::NoSuchMember);
+      return Dispatch::InvokeId(id, kind, args);
+    } else {
+      return Base::Invoke(name, kind, args);
+    }
   }
 };
 
