@@ -166,9 +166,8 @@ std::string DateText(double serial) {
   const std::int64_t d = doy - (153 * mp + 2) / 5 + 1;
   const std::int64_t m = mp < 10 ? mp + 3 : mp - 9;
   const std::int64_t y = yoe + era * 400 + (m <= 2);
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "%04lld-%02lld-%02lld", static_cast<long long>(y), static_cast<long long>(m),
-                static_cast<long long>(d));
+  char buf[64];
+  std::snprintf(buf, sizeof buf, "%04d-%02d-%02d", static_cast<int>(y), static_cast<int>(m), static_cast<int>(d));
   return buf;
 }
 
@@ -269,7 +268,9 @@ class SheetRange final : public Dispatch<SheetRange> {
         .Method<&SheetRange::AutoFit>("AutoFit")
         .Property<&SheetRange::GetColumnWidth, &SheetRange::LetColumnWidth>("ColumnWidth");
   }
-  explicit SheetRange(Block block) : block_(std::move(block)) {}
+  // `columns`: the block seen as its columns (what Columns hands out), so
+  // that Item(i) is the i-th column.
+  explicit SheetRange(Block block, bool columns = false) : block_(std::move(block)), columns_(columns) {}
 
   Variant GetValue() const {
     if (block_.Single()) return TopValue(block_.r1, block_.c1);
@@ -334,14 +335,18 @@ class SheetRange final : public Dispatch<SheetRange> {
     return Item(row, column);
   }
   Ref<Object> Item(const Variant& row, const Variant& column) const {
+    if (columns_ && column.IsMissing()) {
+      const std::int32_t c = ToLong(row);
+      return Offset(1, c, block_.r2 - block_.r1 + 1, c);
+    }
     const std::int32_t r = ToLong(row);
     const std::int32_t c = column.IsMissing() ? 1 : ToLong(column);
     return Offset(r, c, r, c);
   }
   Ref<Object> Columns(const Variant& index) const {
-    if (index.IsMissing()) return MakeRef<SheetRange>(block_);
+    if (index.IsMissing()) return MakeRef<SheetRange>(block_, true);
     const std::int32_t c = ToLong(index);
-    return Offset(1, c, kMaxRows - block_.r1 + 1, c);
+    return Offset(1, c, block_.r2 - block_.r1 + 1, c);
   }
   // Sets the width of every column of the block from the widest text shown
   // in it; a column without any text keeps its width.
@@ -387,6 +392,7 @@ class SheetRange final : public Dispatch<SheetRange> {
                                      static_cast<std::int32_t>(bottom), static_cast<std::int32_t>(right)});
   }
   Block block_;
+  bool columns_ = false;
 };
 
 class Worksheet final : public Dispatch<Worksheet> {
