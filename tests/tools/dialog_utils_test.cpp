@@ -99,8 +99,8 @@ TEST_F(DialogSettings, SetStartPositionWritesOnlyTheUserKey) {
   EXPECT_EQ(Position(DLG_HELIX), std::make_pair(30, -4));
   std::string text;
   ASSERT_EQ(GetRegistry().ExportRegText(kHkeyCurrentUser, "Software\\Tessark\\TESSARK 6.0\\Tool Settings\\Helix", text), 0);
-  EXPECT_NE(text.find("\"PosX\"=hex(1):33,30,30\n"), std::string::npos) << text;  // "300"
-  EXPECT_NE(text.find("\"PosY\"=hex(1):2d,34,30\n"), std::string::npos) << text;  // "-40"
+  EXPECT_NE(text.find("\"PosX\"=hex(1):33,30,30\r\n"), std::string::npos) << text;  // "300"
+  EXPECT_NE(text.find("\"PosY\"=hex(1):2d,34,30\r\n"), std::string::npos) << text;  // "-40"
   ASSERT_EQ(GetRegistry().ExportRegText(kHkeyLocalMachine, "", text), 0);
   EXPECT_EQ(text.find("33,30,30"), std::string::npos) << text;
   // An identifier outside 1 to 12 writes nothing anywhere.
