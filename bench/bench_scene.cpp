@@ -4,7 +4,9 @@
 //                    vector: the least any listing of the scene can cost
 //   FilteredAll/N:   Shape(i, 5) for every extrude, through the tree view
 //   LiteralScan/N:   the same lookups scanning the list from the top each time
-// The host is a small in-memory scene with member tables, as a host would be.
+//   RefHostView/N:   NumberOfShapes with a rebuild on a reference-host scene
+// The first four use a small in-memory scene with member tables and nothing
+// else, so that the library's own share of the time shows.
 #include <benchmark/benchmark.h>
 
 #include <vector>
@@ -12,6 +14,7 @@
 #include "RatioReporter.hpp"
 #include "automation/Convert.hpp"
 #include "automation/Members.hpp"
+#include "refhost/RefHost.hpp"
 #include "scene/TKTreeView.hpp"
 
 using namespace TessarkAO;
@@ -163,8 +166,35 @@ void LiteralScan(benchmark::State& state) {
   }
 }
 
+// The same scene shape on the reference host, built through its members.
+Variant MakeRefHostScene(std::int64_t n) {
+  Variant app(RefHost::NewApplication());
+  std::vector<Variant> open{app.Get("ActivePage").Get("Shape")};
+  std::int64_t made = 0;
+  for (std::size_t next = 0; made < n; ++next) {
+    const Variant parent = open[next];
+    const Variant shapes =
+        parent.Get("Components", ToLong(parent.Get("Type")) == 3 ? 23 : 2).Call("Item", 1).Get("Shapes");
+    for (int i = 0; i < 10 && made < n; ++i, ++made) {
+      const bool container = made < n / 10;
+      const Variant child = shapes.Call("Add", container ? (made % 2 ? 3 : 1) : 5);
+      if (container) open.push_back(child);
+    }
+  }
+  return app;
+}
+
+void RefHostView(benchmark::State& state) {
+  const Variant app = MakeRefHostScene(state.range(0));
+  auto view = MakeRef<TKTreeView>();
+  view->SetScene(ToObject(app.Get("ActivePage")));
+  for (auto _ : state) benchmark::DoNotOptimize(view->NumberOfShapes(0));
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
 }  // namespace
 
+BENCHMARK(RefHostView)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(TreeView)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(DirectWalk)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(FilteredAll)->Arg(10000)->Unit(benchmark::kMillisecond);
@@ -178,6 +208,8 @@ int main(int argc, char** argv) {
                  "about 10 (linear)");
     r.PrintRatio("direct walk, 100000 against 10000 shapes", "DirectWalk/100000", "DirectWalk/10000",
                  "about 10 (linear)");
+    r.PrintRatio("tree view on the reference host, 100000 against 10000 shapes", "RefHostView/100000",
+                 "RefHostView/10000", "about 10 (linear)");
     r.PrintRatio("every filtered lookup against the literal scan", "FilteredAll/10000",
                  "LiteralScan/10000", "far below 1");
   });

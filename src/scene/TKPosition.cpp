@@ -6,8 +6,8 @@
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
 #include "host/HostModel.hpp"
-#include "scene/SceneUnits.hpp"
 #include "scene/SceneUtils.hpp"
+#include "system/Units.hpp"
 
 namespace TessarkAO {
 
@@ -136,17 +136,15 @@ void TKPosition::GetPositionFromShape(Ref<Object> objShape) { ReadPosition(Varia
 void TKPosition::GetAnchorFromShape(Ref<Object> objShape) { ReadAnchor(Variant(std::move(objShape))); }
 
 void TKPosition::ConvertFields(bool toMetric) {
-  const UnitConverter units(Variant(scene_), UnitConverter::PageUse::PassPage);
-  const std::int32_t sceneLength = SceneUnit::PageUnits, sceneAngle = SceneUnit::PageAngleUnits;
-  const std::int32_t metricLength = SceneUnit::Centimeters, metricAngle = SceneUnit::Radians;
-  const std::int32_t fromLength = toMetric ? sceneLength : metricLength;
-  const std::int32_t toLength = toMetric ? metricLength : sceneLength;
-  const std::int32_t fromAngle = toMetric ? sceneAngle : metricAngle;
-  const std::int32_t toAngle = toMetric ? metricAngle : sceneAngle;
-  posX_ = units.Convert(posX_, fromLength, toLength);
-  posY_ = units.Convert(posY_, fromLength, toLength);
-  posZ_ = units.Convert(posZ_, fromLength, toLength);
-  rotAngle_ = units.Convert(rotAngle_, fromAngle, toAngle);
+  // Metric means centimetres and radians; scene units are the page's.
+  const std::int32_t fromLength = toMetric ? UNIT_PAGEUNITS : UNIT_CENTIMETERS;
+  const std::int32_t toLength = toMetric ? UNIT_CENTIMETERS : UNIT_PAGEUNITS;
+  const std::int32_t fromAngle = toMetric ? UNIT_PAGEANGLEUNITS : UNIT_RADIANS;
+  const std::int32_t toAngle = toMetric ? UNIT_RADIANS : UNIT_PAGEANGLEUNITS;
+  posX_ = Units::ConvertValue(scene_, posX_, fromLength, toLength);
+  posY_ = Units::ConvertValue(scene_, posY_, fromLength, toLength);
+  posZ_ = Units::ConvertValue(scene_, posZ_, fromLength, toLength);
+  rotAngle_ = Units::ConvertValue(scene_, rotAngle_, fromAngle, toAngle);
 }
 
 bool TKPosition::ConvertUnitsFromSceneToMetric(Ref<Object> objPage) {
@@ -218,11 +216,10 @@ void TKPosition::TransformPositionUp(Ref<Object> objPage) {
 void TKPosition::TransformThroughHost(const Variant* child, double& x, double& y, double& z, double& rotX,
                                       double& rotY, double& rotZ, double& rotAngle) {
   if (!scene_) return;  // silently nothing without a Scene, as callers rely on
-  const UnitConverter units(Variant(scene_), UnitConverter::PageUse::PassPage);
-  x = units.Convert(x, SceneUnit::PageUnits, SceneUnit::Centimeters);
-  y = units.Convert(y, SceneUnit::PageUnits, SceneUnit::Centimeters);
-  z = units.Convert(z, SceneUnit::PageUnits, SceneUnit::Centimeters);
-  rotAngle = units.Convert(rotAngle, SceneUnit::PageAngleUnits, SceneUnit::Radians);
+  x = Units::ConvertValue(scene_, x, UNIT_PAGEUNITS, UNIT_CENTIMETERS);
+  y = Units::ConvertValue(scene_, y, UNIT_PAGEUNITS, UNIT_CENTIMETERS);
+  z = Units::ConvertValue(scene_, z, UNIT_PAGEUNITS, UNIT_CENTIMETERS);
+  rotAngle = Units::ConvertValue(scene_, rotAngle, UNIT_PAGEANGLEUNITS, UNIT_RADIANS);
   Placement p(x, y, z, rotX, rotY, rotZ, rotAngle);
   if (child) {
     Variant args[8] = {*child};
@@ -233,10 +230,10 @@ void TKPosition::TransformThroughHost(const Variant* child, double& x, double& y
     Host::CallByRef(ShapeVariant(), "GetPointTransformUp", p.values);
   }
   p.Read(x, y, z, rotX, rotY, rotZ, rotAngle);
-  x = units.Convert(x, SceneUnit::Centimeters, SceneUnit::PageUnits);
-  y = units.Convert(y, SceneUnit::Centimeters, SceneUnit::PageUnits);
-  z = units.Convert(z, SceneUnit::Centimeters, SceneUnit::PageUnits);
-  rotAngle = units.Convert(rotAngle, SceneUnit::Radians, SceneUnit::PageAngleUnits);
+  x = Units::ConvertValue(scene_, x, UNIT_CENTIMETERS, UNIT_PAGEUNITS);
+  y = Units::ConvertValue(scene_, y, UNIT_CENTIMETERS, UNIT_PAGEUNITS);
+  z = Units::ConvertValue(scene_, z, UNIT_CENTIMETERS, UNIT_PAGEUNITS);
+  rotAngle = Units::ConvertValue(scene_, rotAngle, UNIT_RADIANS, UNIT_PAGEANGLEUNITS);
 }
 
 void TKPosition::GetPtTransformUp(double& dblX, double& dblY, double& dblZ, double& dblRotX, double& dblRotY,
@@ -308,11 +305,10 @@ void TKPosition::ResetAnchor(double dblLengthRatio, double dblWidthRatio, double
   double after[3];
   for (std::int32_t n = 1; n <= 3; ++n) after[n - 1] = Host::VariableValue(anchor, n);
 
-  const UnitConverter units(Variant(scene_), UnitConverter::PageUse::PassPage);
   Variant shift[3];
   for (int i = 0; i < 3; ++i) {
     const double displacement = Checked::Sub(after[i], before[i]);
-    shift[i] = units.Convert(displacement, SceneUnit::PageUnits, SceneUnit::Centimeters);
+    shift[i] = Units::ConvertValue(scene_, displacement, UNIT_PAGEUNITS, UNIT_CENTIMETERS);
   }
   Host::CallByRef(shape, "Shift", shift);
 }

@@ -5,9 +5,24 @@
 #include "automation/Convert.hpp"
 #include "host/HostModel.hpp"
 #include "scene/Functions.hpp"
-#include "scene/SceneUnits.hpp"
+#include "system/Units.hpp"
 
 namespace TessarkAO {
+
+namespace {
+
+// A UnitUtils whose Page is the shape's page: the placements convert through it.
+Variant UnitsOfPage(const Variant& shape) {
+  Variant units(CreateObject("TessarkAO.UnitUtils"));
+  units.Set("Page", shape.Get("Page"));
+  return units;
+}
+
+double Convert(const Variant& units, double value, std::int32_t fromUnits, std::int32_t toUnits) {
+  return ToDouble(units.Call("ConvertUnits", Variant::Nothing(), value, fromUnits, toUnits));
+}
+
+}  // namespace
 
 void TKShape::Describe(ClassBuilder<TKShape>& b) {
   b.PropertyRef<&TKShape::GetShape, &TKShape::SetShape>("Shape")
@@ -86,11 +101,11 @@ Ref<Object> TKShape::ComponentTransform(std::int32_t type) {
   const Ref<Object> matrix = CreateObject("TessarkAO.TKMatrix4d");
   const Variant component(Component(type, Variant(true)));
   if (component.IsNothing()) return matrix;
-  const UnitConverter units(Variant(shape_).Get("Page"), UnitConverter::PageUse::AssignPage);
+  const Variant units = UnitsOfPage(Variant(shape_));
   double v[7];
   for (std::int32_t n = 1; n <= 7; ++n) v[n - 1] = Host::VariableValue(component, n);
   // Only the angle is converted: the point stays in page length units.
-  const double degrees = units.Convert(v[6], SceneUnit::PageAngleUnits, SceneUnit::Degrees);
+  const double degrees = Convert(units, v[6], UNIT_PAGEANGLEUNITS, UNIT_DEGREES);
   const Variant point(CreateObject("TessarkAO.TKVector4d"));
   point.Call("SetPosition", v[0], v[1], v[2]);
   const Variant axis(CreateObject("TessarkAO.TKVector4d"));
@@ -107,7 +122,7 @@ Ref<Object> TKShape::SizeboxToParentTransform() {
   const Ref<Object> matrix = CreateObject("TessarkAO.TKMatrix4d");
   if (!shape_) return matrix;
   const Variant shape(shape_);
-  const UnitConverter units(shape.Get("Page"), UnitConverter::PageUse::AssignPage);
+  const Variant units = UnitsOfPage(shape);
 
   Variant values(SafeArray::Vector(VarType::Double, 0, 15));
   Variant args[] = {values};
@@ -124,7 +139,7 @@ Ref<Object> TKShape::SizeboxToParentTransform() {
   for (std::int32_t r = 0; r < 4; ++r) {
     for (std::int32_t c = 0; c < 4; ++c) {
       double value = element(4 * c + r);
-      if (c == 3 && r < 3) value = units.Convert(value, SceneUnit::SystemLengthUnits, SceneUnit::PageUnits);
+      if (c == 3 && r < 3) value = Convert(units, value, UNIT_SYSTEM_LENGTH_UNITS, UNIT_PAGEUNITS);
       m.Put(r, c, value);
     }
   }

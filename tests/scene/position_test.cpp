@@ -1,199 +1,204 @@
-// TKPosition against a host scene in millimetres and degrees: variable
+// TKPosition on reference-host scenes in millimetres and degrees: variable
 // numbers, unit conversions, walks up and down the scene, re-anchoring.
-#include <gtest/gtest.h>
-
-#include <cmath>
-
-#include "FakeHost.hpp"
+#include "SceneTestSupport.hpp"
 #include "scene/TKPosition.hpp"
 
 using namespace TessarkAO;
-using FakeHost::Scene;
+using namespace TessarkAO::SceneTest;
 
 namespace {
 
-constexpr double kDegree = 0.017453292519943278;  // one degree in radians, as the library converts
-
 struct Positions : ::testing::Test {
-  void SetUp() override { FakeHost::EnsureUnitUtils(); }
-  Scene scene{0.001, kDegree};  // millimetres and degrees
-  FakeHost::Shape* assembly = scene.AddShape(scene.Root(), 1, "Assembly", 1);
-  FakeHost::Shape* part = scene.AddShape(assembly, 3, "Part", 2);
-  FakeHost::Shape* extrude = scene.AddShape(part, 5, "Extrude", 3);
+  Variant app{RefHost::NewApplication()};  // millimetres and degrees
+  Variant assembly = AddShape(Root(app), 1, "Assembly");
+  Variant part = AddShape(assembly, 3, "Part");
+  Variant extrude = AddShape(part, 5, "Extrude");
   Ref<TKPosition> pos = MakeRef<TKPosition>();
   Variant p{Ref<Object>(pos)};
 
   void Fill(double x, double y, double z, double rx, double ry, double rz, double angle) {
-    pos->LetPosX(x);
-    pos->LetPosY(y);
-    pos->LetPosZ(z);
-    pos->LetRotX(rx);
-    pos->LetRotY(ry);
-    pos->LetRotZ(rz);
-    pos->LetRotAngle(angle);
+    const double v[] = {x, y, z, rx, ry, rz, angle};
+    const char* names[] = {"PosX", "PosY", "PosZ", "RotX", "RotY", "RotZ", "RotAngle"};
+    for (int i = 0; i < 7; ++i) p.Let(names[i], v[i]);
+  }
+  std::vector<double> Fields() const {
+    return {pos->GetPosX(), pos->GetPosY(), pos->GetPosZ(), pos->GetRotX(),
+            pos->GetRotY(), pos->GetRotZ(), pos->GetRotAngle()};
   }
 };
 
 }  // namespace
 
 TEST_F(Positions, ReadsAndWritesByVariableNumber) {
-  FakeHost::Component* c = scene.AddComponent(extrude, 4);
-  for (int n = 1; n <= 9; ++n) c->values[n] = Variant(n * 1.5);
-  c->values[9] = true;  // the mirror flag arrives as a Boolean
-  p.Set("Shape", Scene::Obj(extrude));
+  for (int n = 1; n <= 7; ++n) SetVar(extrude, 4, n, n * 1.5);
+  SetVar(extrude, 4, 8, 1);
+  SetVar(extrude, 4, 9, 1);
+  p.Set("Shape", extrude);
+  Journal journal;
+  TK_REQUIRE_JOURNAL(journal);
   p.Call("GetShapePosition");
-  EXPECT_EQ(pos->GetPosX(), 1.5);
-  EXPECT_EQ(pos->GetRotAngle(), 10.5);
-  EXPECT_EQ(pos->GetMirror(), -1);
+  EXPECT_EQ(Fields(), (std::vector<double>{1.5, 3, 4.5, 6, 7.5, 9, 10.5}));
+  EXPECT_EQ(pos->GetMirror(), 1);
 
   Fill(-1, -2, -3, -4, -5, -6, -7);
-  pos->LetMirror(1);
+  pos->LetMirror(0);
   p.Call("SetShapePosition");
-  EXPECT_EQ(c->values[3].Type(), VarType::Double);
-  EXPECT_EQ(c->values[7].AsDouble(), -7.0);
-  EXPECT_EQ(c->values[8].AsDouble(), 12.0);  // variable 8 is never touched
-  EXPECT_EQ(c->values[9].Type(), VarType::Long);
-  EXPECT_EQ(scene.CallsTo("Update"), 0u);
+  for (const auto& e : journal.Calls("Variable")) EXPECT_NE(ToLong(e.args[0]), 8);  // never touched
+  EXPECT_EQ(journal.Count("Update"), 0u);
+  EXPECT_EQ(GetVar(extrude, 4, 7), -7.0);
+  EXPECT_EQ(GetVar(extrude, 4, 9), 0.0);
+  EXPECT_EQ(GetVar(extrude, 4, 8), 1.0);
 
-  // Anchors use variables 1 to 7 of component 5, which is added when missing.
-  EXPECT_EQ(scene.CountOf(extrude, 5), 0u);
-  p.Call("GetAnchorPosition");
-  EXPECT_EQ(scene.CountOf(extrude, 5), 1u);
   pos->LetAnchorRotAngle(33);
   p.Call("SetAnchorPosition");
-  EXPECT_EQ(scene.First(extrude, 5)->values[7].AsDouble(), 33.0);
+  EXPECT_EQ(GetVar(extrude, 5, 7), 33.0);
+  SetVar(extrude, 5, 2, 44.0);
+  p.Call("GetAnchorPosition");
+  EXPECT_EQ(pos->GetAnchorPosY(), 44.0);
 
-  // From another shape: the stored shape stays.
-  FakeHost::Component* other = scene.AddComponent(part, 4);
-  other->values[1] = 99.0;
-  p.Call("GetPositionFromShape", Scene::Obj(part));
-  EXPECT_EQ(pos->GetPosX(), 99.0);
-  EXPECT_EQ(p.Get("Shape").AsObject().get(), extrude->obj);
+  // The root has no position component: reading one adds it.  The stored shape stays.
+  ASSERT_EQ(CountOf(Root(app), 4), 0);
+  p.Call("GetPositionFromShape", Root(app));
+  EXPECT_EQ(CountOf(Root(app), 4), 1);
+  EXPECT_EQ(pos->GetPosX(), 0.0);
+  EXPECT_TRUE(Same(p.Get("Shape"), extrude));
 }
 
 TEST_F(Positions, ConvertsFourFieldsOnceEachWay) {
+  const double degree = ToDouble(Page(app).Get("UnitsScale", 1));
   Fill(10, 20, -30, 0.5, 0.25, 1, 90);
   pos->LetAnchorPosX(7);
   EXPECT_FALSE(ToBoolean(p.Call("ConvertUnitsFromSceneToMetric")));  // no page yet
-  EXPECT_FALSE(ToBoolean(p.Call("ConvertUnitsFromMetricToScene", scene.PageObject())));  // already scene units
+  EXPECT_FALSE(ToBoolean(p.Call("ConvertUnitsFromMetricToScene", Page(app))));  // already scene units
   EXPECT_TRUE(ToBoolean(p.Call("ConvertUnitsFromSceneToMetric")));
-  EXPECT_DOUBLE_EQ(pos->GetPosX(), 1.0);
-  EXPECT_DOUBLE_EQ(pos->GetPosZ(), -3.0);
-  EXPECT_EQ(pos->GetRotAngle(), 90 * kDegree / 1.0);
+  EXPECT_EQ(pos->GetPosX(), 10 * 0.001 / 0.01);
+  EXPECT_EQ(pos->GetPosZ(), -30 * 0.001 / 0.01);
+  EXPECT_EQ(pos->GetRotAngle(), 90 * degree / 1);
   EXPECT_EQ(pos->GetRotX(), 0.5);  // an axis is not converted
   EXPECT_EQ(pos->GetAnchorPosX(), 7.0);
   EXPECT_FALSE(ToBoolean(p.Call("ConvertUnitsFromSceneToMetric")));
-  EXPECT_DOUBLE_EQ(pos->GetPosX(), 1.0);
+  EXPECT_EQ(pos->GetPosX(), 10 * 0.001 / 0.01);
   EXPECT_TRUE(ToBoolean(p.Call("ConvertUnitsFromMetricToScene")));
   EXPECT_DOUBLE_EQ(pos->GetPosX(), 10.0);
   EXPECT_DOUBLE_EQ(pos->GetRotAngle(), 90.0);
+  // Reading from the host does not reset the flag.
+  p.Call("ConvertUnitsFromSceneToMetric");
+  p.Call("GetPositionFromShape", extrude);
+  EXPECT_FALSE(ToBoolean(p.Call("ConvertUnitsFromSceneToMetric")));
 }
 
 TEST_F(Positions, WorldAndBackAgainThroughThreeLevels) {
-  assembly->offset[0] = 100;
-  assembly->turn = 0.3;
-  part->offset[1] = -20;
-  part->offset[2] = 5;
-  part->turn = -1.1;
+  const double placements[2][7] = {{100, 5, 0, 0, 0, 1, 30}, {-20, 0, 5, 1, 1, 0, 60}};
+  const Variant shapes[] = {assembly, part};
+  for (int s = 0; s < 2; ++s)
+    for (int n = 1; n <= 7; ++n) SetVar(shapes[s], 4, n, placements[s][n - 1]);
+  SetVar(part, 5, 1, 3.0);  // an anchor off the origin
   Fill(3, 4, 5, 0, 0, 1, 0.25);
-  p.Set("Shape", Scene::Obj(extrude));
-  p.Call("GetWorldPosition");
-  // Independently: the part's placement, then the assembly's.
-  double x = 3, y = 4;
-  double px = std::cos(-1.1) * x - std::sin(-1.1) * y, py = std::sin(-1.1) * x + std::cos(-1.1) * y - 20;
-  double wx = std::cos(0.3) * px - std::sin(0.3) * py + 100, wy = std::sin(0.3) * px + std::cos(0.3) * py;
-  EXPECT_NEAR(pos->GetPosX(), wx, 1e-12);
-  EXPECT_NEAR(pos->GetPosY(), wy, 1e-12);
-  EXPECT_NEAR(pos->GetPosZ(), 10, 1e-12);
-  EXPECT_NEAR(pos->GetRotAngle(), 0.25 - 1.1 + 0.3, 1e-12);
+  p.Set("Shape", extrude);
+  const std::vector<double> start = Fields();
 
-  scene.Clear();
-  p.Call("GetPositionFromWoldToParent", Scene::Obj(part));
-  EXPECT_NEAR(pos->GetPosX(), 3, 1e-12);
-  EXPECT_NEAR(pos->GetPosY(), 4, 1e-12);
-  EXPECT_NEAR(pos->GetPosZ(), 5, 1e-12);
-  EXPECT_NEAR(pos->GetRotAngle(), 0.25, 1e-12);
-  // The nameless top stays in the chain going down: it makes the first call.
-  EXPECT_EQ(scene.Calls("Root.GetPointTransformDown"), 1u);
-  EXPECT_EQ(scene.Calls("Assembly.GetPointTransformDown"), 1u);
-  EXPECT_EQ(scene.Calls("Part.GetPointTransformDown"), 0u);
+  // The same transforms asked of the host one by one: the part's, then the assembly's.
+  std::vector<Variant> expected(start.begin(), start.end());
+  for (const Variant& shape : {part, assembly}) {
+    std::vector<Variant> refs;
+    for (Variant& v : expected) refs.push_back(Variant::ByRef(v));
+    shape.Invoke("GetPointTransformUp", CallKind::Method, refs);
+  }
+  p.Call("GetWorldPosition");
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(Fields()[static_cast<std::size_t>(i)], ToDouble(expected[static_cast<std::size_t>(i)])) << i;
+  EXPECT_GT(std::abs(pos->GetPosX() - 3), 1.0);
+
+  Journal journal;
+
+  TK_REQUIRE_JOURNAL(journal);
+  p.Call("GetPositionFromWoldToParent", part);
+  for (int i = 0; i < 7; ++i) EXPECT_NEAR(Fields()[static_cast<std::size_t>(i)], start[static_cast<std::size_t>(i)], 1e-9) << i;
+  // Going down the nameless top stays in the chain: it makes the first call.
+  const auto downs = journal.Calls("GetPointTransformDown");
+  ASSERT_EQ(downs.size(), 2u);
+  EXPECT_EQ(downs[0].object, "Scene1//");
+  EXPECT_TRUE(Same(downs[0].args[0], assembly));
+  EXPECT_EQ(downs[1].object, "Scene1//Assembly");
+  EXPECT_TRUE(Same(downs[1].args[0], part));
 }
 
 TEST_F(Positions, NoTransformUnderTheNamelessTop) {
   Fill(1, 2, 3, 0, 0, 1, 4);
-  p.Set("Shape", Scene::Obj(assembly));
-  scene.Clear();
+  p.Set("Shape", assembly);
+  Journal journal;
+  TK_REQUIRE_JOURNAL(journal);
   p.Call("GetWorldPosition");
-  EXPECT_EQ(scene.CallsTo("GetPointTransformUp"), 0u);
-  EXPECT_EQ(pos->GetPosY(), 2.0);
+  EXPECT_EQ(journal.Count("GetPointTransformUp"), 0u);
+  EXPECT_EQ(Fields(), (std::vector<double>{1, 2, 3, 0, 0, 1, 4}));
 }
 
 TEST_F(Positions, PointTransformsConvertAroundTheHostCall) {
-  part->offset[0] = 1;  // one centimetre
-  p.Set("Shape", Scene::Obj(part));
+  SetVar(part, 4, 1, 10.0);  // the part sits 10 mm along X
+  p.Set("Shape", part);
   Variant args[] = {5.0, 0.0, 0.0};
-  scene.Clear();
-  p.Invoke("GetPtTransformUp", CallKind::Method, args);  // no Scene: nothing at all
-  EXPECT_EQ(args[0].AsDouble(), 5.0);
-  EXPECT_TRUE(scene.journal.empty());
-
-  p.Set("Scene", scene.PageObject());
+  {
+    Journal journal;
+    TK_REQUIRE_JOURNAL(journal);
+    p.Invoke("GetPtTransformUp", CallKind::Method, args);  // no Scene: nothing at all
+    EXPECT_TRUE(journal.Entries().empty());
+    EXPECT_EQ(args[0].AsDouble(), 5.0);
+  }
+  p.Set("Scene", Page(app));
   p.Invoke("GetPtTransformUp", CallKind::Method, args);
-  EXPECT_DOUBLE_EQ(args[0].AsDouble(), 15.0);  // 5 mm + 1 cm
-  Variant down[] = {Scene::Obj(extrude), 15.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0};
-  extrude->offset[0] = 0.5;
+  EXPECT_NEAR(args[0].AsDouble(), 15.0, 1e-12);
+  Variant down[] = {extrude, 15.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0};
+  SetVar(extrude, 4, 1, 4.0);
   p.Invoke("GetPtTransformDown", CallKind::Method, down);
-  EXPECT_DOUBLE_EQ(down[1].AsDouble(), 10.0);
+  EXPECT_NEAR(down[1].AsDouble(), 11.0, 1e-12);
 
   Fill(5, 0, 0, 0, 0, 1, 0);
   p.Call("TransformPositionUp");
-  EXPECT_DOUBLE_EQ(pos->GetPosX(), 15.0);
+  EXPECT_NEAR(pos->GetPosX(), 15.0, 1e-12);
 }
 
 TEST_F(Positions, ResetAnchorWritesFormulasAndShiftsByTheDisplacement) {
-  extrude->box[3] = 10;  // length 10, width 4, height 2 (millimetres)
-  extrude->box[4] = 4;
-  extrude->box[5] = 2;
-  FakeHost::Component* anchor = scene.AddComponent(extrude, 5);
-  anchor->values = {{1, 1.0}, {2, 1.0}, {3, 1.0}};
-  p.Set("Shape", Scene::Obj(extrude));
+  for (int n = 1; n <= 3; ++n) SetVar(extrude, 1, n, 10.0 / n);  // size box 10 x 5 x 3.33 mm
+  for (int n = 1; n <= 3; ++n) SetVar(extrude, 5, n, 1.0);
+  p.Set("Shape", extrude);
   Fill(9, 9, 9, 0, 0, 1, 0);
-  scene.Clear();
-  p.Call("ResetAnchor", 0.5, 0.5, 0.5, false, scene.PageObject());
-  EXPECT_EQ(anchor->expressions[1], "(Sizebox\\Length * 0.5)");
-  EXPECT_EQ(anchor->expressions[3], "(Sizebox\\Height * 0.5)");
-  EXPECT_EQ(scene.Calls("Extrude.ResetSizeBox"), 1u);
-  EXPECT_EQ(scene.Calls("Extrude.RealignAnchor"), 0u);
-  EXPECT_EQ(scene.CountOf(extrude, 4), 1u);  // looked up, so added
-  EXPECT_EQ(scene.lastShifted, extrude);
-  EXPECT_DOUBLE_EQ(scene.lastShift[0], 0.4);  // (5 - 1) mm in centimetres
-  EXPECT_DOUBLE_EQ(scene.lastShift[1], 0.1);
-  EXPECT_DOUBLE_EQ(scene.lastShift[2], 0.0);
+  Journal journal;
+  TK_REQUIRE_JOURNAL(journal);
+  p.Call("ResetAnchor", 0.5, 0.5, 0.25, false, Page(app));
+  const Variant anchor = Comp(extrude, 5);
+  EXPECT_EQ(ToString(anchor.Call("Variable", 1).Get("Expression")), "(Sizebox\\Length * 0.5)");
+  EXPECT_EQ(ToString(anchor.Call("Variable", 2).Get("Expression")), "(Sizebox\\Width * 0.5)");
+  EXPECT_EQ(ToString(anchor.Call("Variable", 3).Get("Expression")), "(Sizebox\\Height * 0.25)");
+  EXPECT_EQ(journal.Count("ResetSizeBox"), 1u);
+  EXPECT_EQ(journal.Count("RealignAnchor"), 0u);
+  const auto shifts = journal.Calls("Shift", "Scene1//Assembly//Part//Extrude");
+  ASSERT_EQ(shifts.size(), 1u);
+  ASSERT_EQ(shifts[0].args.size(), 3u);
+  const double after[] = {10.0 * 0.5, 5.0 * 0.5, 10.0 / 3 * 0.25};
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(ToDouble(shifts[0].args[static_cast<std::size_t>(i)]), (after[i] - 1.0) * 0.001 / 0.01) << i;
   EXPECT_EQ(pos->GetPosX(), 9.0);  // the fields stay
-  EXPECT_EQ(scene.CallsTo("GetPointTransformUp"), 0u);
 
   // The ratio is written as the locale writes numbers.
   const NumberLocale saved = GetNumberLocale();
   SetNumberLocale({',', '.'});
   p.Call("ResetAnchor", 0.25, 1, 1, true);
   SetNumberLocale(saved);
-  EXPECT_EQ(anchor->expressions[1], "(Sizebox\\Length * 0,25)");
-  EXPECT_EQ(scene.Calls("Extrude.RealignAnchor"), 1u);
+  EXPECT_EQ(ToString(anchor.Call("Variable", 1).Get("Expression")), "(Sizebox\\Length * 0,25)");
+  EXPECT_EQ(GetVar(extrude, 5, 1), 2.5);
+  EXPECT_EQ(journal.Count("RealignAnchor"), 1u);
 }
 
-TEST_F(Positions, ZeroInheritRotateShift) {
+TEST_F(Positions, ZeroInheritAndHostOperations) {
   Fill(1, 2, 3, 4, 5, 6, 7);
   pos->LetMirror(1);
   pos->LetAnchorPosX(8);
   p.Call("Zero", 4);
-  EXPECT_EQ(pos->GetRotZ(), 6.0);
+  EXPECT_EQ(Fields(), (std::vector<double>{1, 2, 3, 4, 5, 6, 7}));
   p.Call("Zero", 2);
-  EXPECT_EQ(pos->GetRotX(), 0.0);
-  EXPECT_EQ(pos->GetRotAngle(), 0.0);
-  EXPECT_EQ(pos->GetPosX(), 1.0);
+  EXPECT_EQ(Fields(), (std::vector<double>{1, 2, 3, 0, 0, 0, 0}));
   EXPECT_EQ(pos->GetMirror(), 1);
   p.Call("Zero", 3);
-  EXPECT_EQ(pos->GetPosZ(), 0.0);
+  EXPECT_EQ(Fields(), std::vector<double>(7, 0.0));
   EXPECT_EQ(pos->GetMirror(), 0);
   EXPECT_EQ(pos->GetAnchorPosX(), 8.0);
 
@@ -203,19 +208,19 @@ TEST_F(Positions, ZeroInheritRotateShift) {
   other->LetAnchorRotZ(6);
   p.Call("InheritPosition", Variant(Ref<Object>(other)));
   EXPECT_EQ(pos->GetPosY(), 5.0);
+  EXPECT_EQ(pos->GetMirror(), -1);
   EXPECT_EQ(pos->GetAnchorRotZ(), 0.0);
   p.Call("InheritAnchor", Variant(Ref<Object>(other)));
   EXPECT_EQ(pos->GetAnchorRotZ(), 6.0);
 
-  FakeHost::Component* c = scene.AddComponent(extrude, 4);
-  c->values[1] = 42.0;
-  p.Set("Shape", Scene::Obj(extrude));
-  scene.Clear();
-  p.Call("Shift", 1.0, 2.0, 3.0);
-  EXPECT_EQ(scene.journal.front(), "Extrude.Shift");
-  EXPECT_EQ(pos->GetPosX(), 42.0);  // read back after the move
-  p.Call("Rotate", 3, 45.0);
+  p.Set("Shape", extrude);
+  p.Call("Shift", 1.0, 2.0, 3.0, true);  // centimetres along the parent's axes
+  EXPECT_NEAR(pos->GetPosX(), 10.0, 1e-12);  // read back in millimetres after the move
+  EXPECT_NEAR(pos->GetPosZ(), 30.0, 1e-12);
+  p.Call("Rotate", 3, 0.5);
+  EXPECT_NEAR(GetVar(extrude, 4, 7), ToDouble(p.Get("RotAngle")), 1e-12);
   Variant normal[] = {Variant(), Variant(), Variant()};
   p.Invoke("GetNormal", CallKind::Method, normal);
-  EXPECT_EQ(normal[2].AsDouble(), 1.0);
+  EXPECT_NEAR(normal[2].AsDouble(), 1.0, 1e-12);
+  EXPECT_EQ(ErrorOf([&] { p.Call("InheritPosition", 3.0); }), 424);
 }

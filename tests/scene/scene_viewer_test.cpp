@@ -1,108 +1,166 @@
-// The scene module's names and the viewer model: tree labels and keys,
-// component and variable lists, and the headless dialog's text.
-#include <gtest/gtest.h>
-
+// The scene module's names and the viewer model on a reference-host scene
+// holding every shape kind, every component type and a profile with every
+// curve kind.
 #include <set>
 
-#include "FakeHost.hpp"
+#include "SceneTestSupport.hpp"
 #include "platform/UserInterface.hpp"
 #include "scene/Scene.hpp"
 #include "scene/SceneViewer.hpp"
 
 using namespace TessarkAO;
-using Host = FakeHost::Scene;
+using namespace TessarkAO::SceneTest;
 namespace SceneModule = TessarkAO::Scene;
 
-TEST(SceneNames, ShapeComponentAndCurveTypes) {
-  EXPECT_EQ(SceneModule::ShapeTypeName(1, false), "Assembly");
-  EXPECT_EQ(SceneModule::ShapeTypeName(3, false), "Part");
-  EXPECT_EQ(SceneModule::ShapeTypeName(3, true), "Sheet Metal Part");
-  EXPECT_EQ(SceneModule::ShapeTypeName(5, true), "Extrude");
-  EXPECT_EQ(SceneModule::ShapeTypeName(9, false), "2D Profile");
-  EXPECT_EQ(SceneModule::ShapeTypeName(13, false), "Sheet Metal Form Shape");
-  EXPECT_EQ(SceneModule::ShapeTypeName(0, false), "[Unknown Shape]");
-  EXPECT_EQ(SceneModule::ShapeTypeName(14, false), "[Unknown Shape]");
+namespace {
 
-  const std::set<int> unnamed = {21, 22, 28, 35, 36, 37, 39, 41, 45, 46, 51, 52, 53, 69, 70};
+const std::set<int> kUnnamed = {21, 22, 28, 35, 36, 37, 39, 41, 45, 46, 51, 52, 53};
+
+// Shapes K1..K14 of every kind, a sheet-metal part, a shape with every
+// component type the host can add, and an extrude whose profile holds one
+// curve of each kind.
+std::string EverythingScene() {
+  std::string shapes;
+  for (int kind = 1; kind <= 14; ++kind)
+    shapes += R"({"name": "K)" + std::to_string(kind) + R"(", "type": )" + std::to_string(kind) + "},";
+  shapes += R"({"name": "Sheet", "type": 3, "components": [{"type": 62}]},)";
+  std::string components;
+  for (int type = 1; type <= 68; ++type) {
+    if (type == 18 || kUnnamed.count(type)) continue;
+    components += (components.empty() ? "" : ",") + std::string(R"({"type": )") + std::to_string(type) + "}";
+  }
+  shapes += R"({"name": "Everything", "type": 12, "components": [)" + components + "]},";
+  shapes += R"({"name": "Profiled", "type": 5, "components": [{"type": 15, "paths": [
+    {"closed": true, "start": {"1": 0.0, "2": 0.0}, "curves": [
+      {"type": 1, "variables": {"1": 10.0, "2": 0.0}},
+      {"type": 2, "variables": {"1": 10.0, "2": 10.0, "9": 0.5}},
+      {"type": 3, "variables": {"1": 0.0, "2": 10.0, "3": 8.0, "4": 12.0}},
+      {"type": 4, "variables": {"1": 5.0, "2": 5.0, "3": 2.0, "9": -1.0}},
+      {"type": 5, "variables": {"1": 0.0, "2": 0.0}, "degree": 3,
+       "controlPoints": [[10, 0], [12, 4], [4, 8], [0, 0]],
+       "knots": [0, 0, 0, 0, 1, 1, 1, 1], "weights": [1, 1, 1, 2]},
+      {"type": 0, "variables": {"1": 0.0, "2": 0.0, "3": 1.5}}]}]}]})";
+  return R"({"pages": [{"name": "Scene1", "root": {"name": "", "type": 1, "components": [
+    {"type": 18}, {"type": 2, "shapes": [)" + shapes + "]}]}}]}";
+}
+
+bool Has(const std::vector<std::string>& lines, const std::string& line) {
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+}  // namespace
+
+TEST(SceneNames, ShapeComponentAndCurveTypes) {
+  EXPECT_EQ(SceneModule::ShapeTypeName(5, true), "Extrude");  // only a part turns sheet metal
+  EXPECT_EQ(SceneModule::ShapeTypeName(0, false), "[Unknown Shape]");
   for (int code = 1; code <= 70; ++code) {
     const std::string name = SceneModule::ComponentTypeName(code);
-    EXPECT_EQ(name == "Unknown [" + std::to_string(code) + "]", unnamed.count(code) == 1) << code << name;
+    EXPECT_EQ(name == "Unknown [" + std::to_string(code) + "]", kUnnamed.count(code) == 1 || code > 68) << code;
   }
   EXPECT_EQ(SceneModule::ComponentTypeName(9), "Attatchment Point");
-  EXPECT_EQ(SceneModule::ComponentTypeName(23), "History");
-  EXPECT_EQ(SceneModule::ComponentTypeName(34), "Variable");
-  EXPECT_EQ(SceneModule::ComponentTypeName(50), "Connection Point");
-  EXPECT_EQ(SceneModule::ComponentTypeName(54), "Path Master");
-  EXPECT_EQ(SceneModule::ComponentTypeName(68), "SM Lance");
   EXPECT_EQ(SceneModule::ComponentTypeName(0), "Unknown [0]");
-
   const char* curves[] = {"Fillet", "Line", "Arc", "Bezier", "Ellipse", "B-Spline", "Fillet"};
   for (int code = 0; code <= 6; ++code) EXPECT_EQ(SceneModule::CurveTypeName(code), curves[code]);
-  EXPECT_EQ(SceneModule::CurveTypeName(-1), "Fillet");
-}
-
-TEST(SceneViewer, VariableLabels) {
   EXPECT_EQ(SceneViewer::VariableLabel(3, 34, "ignored"), "[3] Variable");
-  EXPECT_EQ(SceneViewer::VariableLabel(1, 5, "Length"), "[1] Length");
-  EXPECT_EQ(SceneViewer::VariableLabel(12, 5, ""), "[12]  <No Name>");
+  EXPECT_EQ(SceneViewer::VariableLabel(12, 0, ""), "[12]  <No Name>");
 }
 
-TEST(SceneViewer, TreeListsAndSelections) {
-  Host scene;
-  FakeHost::Shape* a = scene.AddShape(scene.Root(), 1, "Frame");
-  FakeHost::Shape* p = scene.AddShape(a, 3, "Plate");
-  scene.AddComponent(p, 62);  // a sheet-metal part
-  scene.AddShape(p, 11, "Flange");
-  FakeHost::Shape* e = scene.AddShape(scene.Root(), 5, "Boss");
-  FakeHost::Component* pos = scene.AddComponent(e, 4);
-  pos->values = {{1, 2.5}, {2, 0.0}};
-  pos->varNames = {{1, "PosX"}};
-  pos->expressions = {{1, "1+1.5"}};
-  scene.AddComponent(e, 69);
-  pos->name = "Where";
-
-  SceneViewer viewer(scene.PageObject());
+TEST(SceneViewer, LabelsOfEveryKind) {
+  const Variant app(RefHost::LoadSceneFromString(EverythingScene()));
+  SceneViewer viewer(Page(app));
   EXPECT_EQ(viewer.Name(), "frmScene");
-  EXPECT_EQ(viewer.Text(),
-            "Top Shape\n"
-            "  Frame (Assembly)\n"
-            "    Plate (Sheet Metal Part)\n"
-            "      Flange (Sheet Metal Extrude)\n"
-            "  Boss (Extrude)\n");
-  ASSERT_EQ(viewer.Nodes().size(), 5u);
-  EXPECT_EQ(viewer.Nodes()[0].key, "Top");
-  EXPECT_EQ(viewer.Nodes()[3].key, "Top\\Shape-1\\Shape-1\\Shape-1");
-  EXPECT_EQ(viewer.Nodes()[4].key, "Top\\Shape-2");
-  EXPECT_EQ(viewer.FindNode("Top\\Shape-2")->object.AsObject().get(), e->obj);
-  EXPECT_EQ(viewer.FindNode("Top\\Shape-3"), nullptr);
+  const std::string text = viewer.Text();
+  EXPECT_EQ(text.rfind("Top Shape\n  K1 (Assembly)\n  K2 (Facet)\n  K3 (Part)\n  K4 (Sweep)\n", 0), 0u) << text;
+  const char* kinds[] = {"Assembly", "Facet", "Part", "Sweep", "Extrude", "Spin", "Loft", "Brep", "2D Profile",
+                         "Bevel", "Sheet Metal Extrude", "Complex", "Sheet Metal Form Shape", "[Unknown Shape]"};
+  for (int kind = 1; kind <= 14; ++kind)
+    EXPECT_NE(text.find("\n  K" + std::to_string(kind) + " (" + kinds[kind - 1] + ")\n"), std::string::npos) << kind;
+  EXPECT_NE(text.find("\n  Sheet (Sheet Metal Part)\n"), std::string::npos);
+  EXPECT_NE(text.find("  Profiled (Extrude)\n    Profile Component\n      Profile Loop\n"
+                      "        Loop Curve (Line)\n        Loop Curve (Arc)\n        Loop Curve (Bezier)\n"
+                      "        Loop Curve (Ellipse)\n        Loop Curve (B-Spline)\n        Loop Curve (Fillet)\n"),
+            std::string::npos)
+      << text;
 
-  viewer.SelectNode("Top\\Shape-2");
-  EXPECT_EQ(viewer.ComponentList(), (std::vector<std::string>{"Position", "Unknown [69]"}));
-  viewer.SelectComponent(1);
-  EXPECT_EQ(viewer.ActiveComponent(), "Active Component : Where");
-  EXPECT_EQ(viewer.DetailList(), (std::vector<std::string>{"[1] PosX", "[2]  <No Name>"}));
-  EXPECT_EQ(viewer.VariableDetail(1), (std::vector<std::string>{"Value : 2.5", "Expression : 1+1.5"}));
-  viewer.SelectComponent(2);
-  EXPECT_EQ(viewer.ActiveComponent(), "Active Component : Unknown [69]");
-  EXPECT_TRUE(viewer.DetailList().empty());
-  EXPECT_THROW(viewer.SelectComponent(3), AutomationError);
-  EXPECT_THROW(viewer.SelectNode("Nowhere"), AutomationError);
-
-  viewer.SelectNode("Top");
-  EXPECT_EQ(viewer.ComponentList(), (std::vector<std::string>{"Group", "Studio"}));
-  EXPECT_TRUE(viewer.ActiveComponent().empty());
+  // Every component of the shape that has them all, by its type name.
+  const SceneViewer::Node* everything = nullptr;
+  for (const auto& node : viewer.Nodes())
+    if (node.label == "Everything (Complex)") everything = &node;
+  ASSERT_NE(everything, nullptr);
+  viewer.SelectNode(everything->key);
+  std::vector<std::string> expected;
+  for (int type = 1; type <= 68; ++type)
+    if (type != 18 && !kUnnamed.count(type)) expected.push_back(SceneModule::ComponentTypeName(type));
+  EXPECT_EQ(viewer.ComponentList(), expected);
 }
 
-TEST(SceneViewer, ShownHeadlessAsAnIndentedTree) {
+TEST(SceneViewer, ProfileKeysAndDataDumps) {
+  const Variant app(RefHost::LoadSceneFromString(EverythingScene()));
+  SceneViewer viewer(Page(app));
+  std::string profiled;
+  for (const auto& node : viewer.Nodes())
+    if (node.label == "Profiled (Extrude)") profiled = node.key;
+  ASSERT_FALSE(profiled.empty());
+  const std::string loop = profiled + "\\Profile\\Loop-1";
+  ASSERT_NE(viewer.FindNode(profiled + "\\Profile"), nullptr);
+  std::set<std::string> keys;
+  for (const auto& node : viewer.Nodes()) EXPECT_TRUE(keys.insert(node.key).second) << node.key;
+
+  viewer.SelectNode(loop);
+  EXPECT_EQ(viewer.DetailList(), (std::vector<std::string>{"Outline Data", "Closed : True", "Construction : 0",
+                                                           "Number Of Curves : 6", "Start Point X : 0",
+                                                           "Start Point Y : 0"}));
+  viewer.SelectNode(loop + "\\Curve-1");
+  EXPECT_EQ(viewer.DetailList(), (std::vector<std::string>{"Curve Data", "X : 10", "Y : 0", "Start Trim : 0",
+                                                           "End Trim : 0"}));
+  viewer.SelectNode(loop + "\\Curve-2");
+  EXPECT_TRUE(Has(viewer.DetailList(), "H Factor : 0.5"));
+  viewer.SelectNode(loop + "\\Curve-3");
+  EXPECT_TRUE(Has(viewer.DetailList(), "Tangent(1) Y : 12"));
+  viewer.SelectNode(loop + "\\Curve-4");
+  EXPECT_TRUE(Has(viewer.DetailList(), "Center X : 5"));
+  EXPECT_TRUE(Has(viewer.DetailList(), "X Pt. On Curve : 2"));
+  viewer.SelectNode(loop + "\\Curve-5");
+  const auto spline = viewer.DetailList();
+  for (const char* line : {"B-Spline Degree : 3", "B-Spline Closed : False", "B-Spline Fit Pts. : 0",
+                           "CtrlPtX(2) : 12", "CtrlPtY(3) : 8", "B-Spline Knots : 8", "Knot(5) : 1",
+                           "B-Spline Weights : 4", "Weight(4) : 2"})
+    EXPECT_TRUE(Has(spline, line)) << line;
+  viewer.SelectNode(loop + "\\Curve-6");
+  EXPECT_TRUE(Has(viewer.DetailList(), "Radius : 1.5"));
+}
+
+TEST(SceneViewer, ComponentsVariablesAndTheHeadlessDialog) {
+  const Variant app(RefHost::NewApplication());
+  const Variant a = AddShape(Root(app), 1, "A");
+  const Variant b = AddShape(a, 8, "B");
+  SetVar(b, 4, 1, 25.0);
+  Comp(b, 4).Call("Variable", 2).Let("Expression", "1+1.5");
+  SceneViewer viewer(Page(app));
+  EXPECT_EQ(viewer.Text(), "Top Shape\n  A (Assembly)\n    B (Brep)\n");
+  EXPECT_EQ(viewer.Nodes()[2].key, "Top\\Shape-1\\Shape-1");
+  EXPECT_TRUE(Same(viewer.FindNode("Top\\Shape-1\\Shape-1")->object, b));
+
+  viewer.SelectNode("Top\\Shape-1\\Shape-1");
+  const auto& list = viewer.ComponentList();
+  const auto at = std::find(list.begin(), list.end(), "Position");
+  ASSERT_NE(at, list.end());
+  viewer.SelectComponent(static_cast<std::int32_t>(at - list.begin()) + 1);
+  EXPECT_EQ(viewer.ActiveComponent(), "Active Component : Position");
+  ASSERT_EQ(viewer.DetailList().size(), 9u);
+  EXPECT_EQ(viewer.DetailList().front(), "[1] X");
+  EXPECT_EQ(viewer.VariableDetail(1), (std::vector<std::string>{"Value : 25", "Expression : "}));
+  EXPECT_EQ(viewer.VariableDetail(2), (std::vector<std::string>{"Value : 2.5", "Expression : 1+1.5"}));
+  EXPECT_EQ(ErrorOf([&] { viewer.SelectComponent(99); }), 5);
+  EXPECT_EQ(ErrorOf([&] { viewer.SelectNode("Nowhere"); }), 5);
+
   HeadlessUserInterface* ui = GetHeadlessUserInterface();
   ASSERT_NE(ui, nullptr);
   ui->Clear();
-  Host scene;
-  scene.AddShape(scene.AddShape(scene.Root(), 1, "A"), 5, "B");
-  SceneModule::ShowScene(scene.PageObject());
+  SceneModule::ShowScene(Page(app));
   const auto shown = ui->Shown();
   ASSERT_EQ(shown.size(), 1u);
   EXPECT_EQ(shown[0].name, "frmScene");
-  EXPECT_EQ(shown[0].text, "Top Shape\n  A (Assembly)\n    B (Extrude)\n");
+  EXPECT_EQ(shown[0].text, viewer.Text());
   ui->Clear();
 }

@@ -1,30 +1,18 @@
-// SceneUtils and the Functions module on a small host: paths, parent
-// searches that rename and restore, identity, deletion, face ownership.
-#include <gtest/gtest.h>
-
-#include "FakeHost.hpp"
+// SceneUtils and the Functions module on reference-host scenes: paths,
+// parent searches that rename and restore, identity, deletion, faces.
+#include "SceneTestSupport.hpp"
 #include "scene/Functions.hpp"
-#include "scene/SceneUtils.hpp"
 
 using namespace TessarkAO;
-using FakeHost::Scene;
+using namespace TessarkAO::SceneTest;
 
 namespace {
 
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
-
 struct ThreeLevels : ::testing::Test {
-  Scene scene;
-  FakeHost::Shape* assembly = scene.AddShape(scene.Root(), 1, "Assembly", 1);
-  FakeHost::Shape* part = scene.AddShape(assembly, 3, "Part", 2);
-  FakeHost::Shape* extrude = scene.AddShape(part, 5, "Extrude", 3);
+  Variant app{RefHost::NewApplication()};
+  Variant assembly = AddShape(Root(app), 1, "Assembly");
+  Variant part = AddShape(assembly, 3, "Part");
+  Variant extrude = AddShape(part, 5, "Extrude");
   Variant utils{CreateObject("TessarkAO.SceneUtils")};
 };
 
@@ -37,80 +25,85 @@ TEST(IdentityTag, MillisecondsSinceMidnight) {
 }
 
 TEST_F(ThreeLevels, PathsStartWithThePageAndEndWithSeparators) {
-  EXPECT_EQ(ToString(utils.Call("GetShapePath", Scene::Obj(extrude))), "Scene1//Assembly//Part//");
-  EXPECT_EQ(ToString(utils.Call("GetShapePath", Scene::Obj(part))), "Scene1//Assembly//");
+  EXPECT_EQ(ToString(utils.Call("GetShapePath", extrude)), "Scene1//Assembly//Part//");
+  EXPECT_EQ(ToString(utils.Call("GetShapePath", part)), "Scene1//Assembly//");
   // Directly under the top: the root is nameless, so the page name alone.
-  EXPECT_EQ(ToString(utils.Call("GetShapePath", Scene::Obj(assembly))), "Scene1//");
+  EXPECT_EQ(ToString(utils.Call("GetShapePath", assembly)), "Scene1//");
 }
 
 TEST_F(ThreeLevels, ParentSearchTagsTheShapeAndRestoresItsName) {
-  const Variant parent = utils.Call("GetShapeParent", Scene::Obj(extrude));
-  EXPECT_EQ(parent.AsObject().get(), part->obj);
-  EXPECT_EQ(extrude->name, "Extrude");
-  ASSERT_EQ(extrude->nameSeenByParent.rfind("TKUTIL@", 0), 0u) << extrude->nameSeenByParent;
-  EXPECT_GT(extrude->nameSeenByParent.size(), 7u);
+  Journal journal;
+  TK_REQUIRE_JOURNAL(journal);
+  EXPECT_TRUE(Same(utils.Call("GetShapeParent", extrude), part));
+  EXPECT_EQ(ToString(extrude.Get("Name")), "Extrude");
+  // The journal names the shape by its name at the time of each call.
+  std::vector<std::string> written;
+  for (const auto& e : journal.Calls("Name"))
+    if (e.kind == CallKind::Let && e.object.rfind("Scene1//Assembly//Part//", 0) == 0)
+      written.push_back(ToString(e.args.back()));
+  ASSERT_EQ(written.size(), 2u);
+  EXPECT_EQ(written[0].rfind("TKUTIL@", 0), 0u);
+  EXPECT_GT(written[0].size(), 7u);
+  EXPECT_EQ(written[0].find_first_not_of("0123456789", 7), std::string::npos);
+  EXPECT_EQ(written[1], "Extrude");
   // Under the studio-marked top the answer is the page's root shape.
-  EXPECT_EQ(utils.Call("GetShapeParent", Scene::Obj(assembly)).AsObject().get(), scene.Root()->obj);
+  EXPECT_TRUE(Same(utils.Call("GetShapeParent", assembly), Root(app)));
 }
 
 TEST_F(ThreeLevels, SameNamedSiblingsAreToldApartByTheTag) {
-  FakeHost::Shape* twin = scene.AddShape(assembly, 3, "Part", 2);
-  FakeHost::Shape* inTwin = scene.AddShape(twin, 5, "Extrude", 3);  // same name and identifier
-  EXPECT_EQ(Functions::FindShapeParent(Scene::Obj(inTwin)).AsObject().get(), twin->obj);
-  EXPECT_EQ(Functions::FindShapeParent(Scene::Obj(extrude)).AsObject().get(), part->obj);
+  const Variant twin = AddShape(assembly, 3, "Part");
+  const Variant inTwin = AddShape(twin, 5, "Extrude");
+  EXPECT_TRUE(Same(Functions::FindShapeParent(inTwin), twin));
+  EXPECT_TRUE(Same(Functions::FindShapeParent(extrude), part));
+  EXPECT_EQ(ToString(utils.Call("GetShapePath", inTwin)), "Scene1//Assembly//Part//");
+  // Same path and name, other identifier: not the same shape.
+  EXPECT_FALSE(ToBoolean(utils.Call("IdenticalShapes", extrude, inTwin)));
+  EXPECT_TRUE(ToBoolean(utils.Call("IdenticalShapes", extrude, extrude)));
+  EXPECT_FALSE(ToBoolean(utils.Call("IdenticalShapes", extrude, part)));
 }
 
-TEST_F(ThreeLevels, IdentityNeedsPathAndSixteenBitIdentifier) {
-  EXPECT_TRUE(ToBoolean(utils.Call("IdenticalShapes", Scene::Obj(extrude), Scene::Obj(extrude))));
-  FakeHost::Shape* other = scene.AddShape(part, 5, "Extrude", 4);
-  EXPECT_FALSE(ToBoolean(utils.Call("IdenticalShapes", Scene::Obj(extrude), Scene::Obj(other))));
-  FakeHost::Shape* elsewhere = scene.AddShape(assembly, 5, "Extrude", 3);
-  EXPECT_FALSE(ToBoolean(utils.Call("IdenticalShapes", Scene::Obj(extrude), Scene::Obj(elsewhere))));
-  // The identifier is read as an Integer: above 32767 it overflows.
-  extrude->systemId = std::int32_t{40000};
-  EXPECT_EQ(ErrorOf([&] { utils.Call("IdenticalShapes", Scene::Obj(extrude), Scene::Obj(extrude)); }), 6);
-  // The parent search reads it as a Long and still works.
-  EXPECT_EQ(Functions::FindShapeParent(Scene::Obj(extrude)).AsObject().get(), part->obj);
+TEST(IdenticalShapes, IdentifiersAreReadAsIntegers) {
+  const Variant app(RefHost::LoadSceneFromString(R"({"pages": [{"name": "Scene1", "root": {
+    "name": "", "type": 1, "components": [{"type": 18}, {"type": 2, "shapes": [
+      {"name": "Big", "type": 5, "systemID": 40000}]}]}}]})"));
+  const Variant big = Root(app).Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Item", 1);
+  Variant utils(CreateObject("TessarkAO.SceneUtils"));
+  EXPECT_EQ(ErrorOf([&] { utils.Call("IdenticalShapes", big, big); }), 6);
+  EXPECT_EQ(ToString(utils.Call("GetShapePath", big)), "Scene1//");  // the parent search reads a Long
 }
 
 TEST_F(ThreeLevels, ChildContainersByShapeType) {
-  EXPECT_TRUE(utils.Call("GetShapeHistory", Scene::Obj(extrude)).IsNothing());
-  EXPECT_EQ(utils.Call("GetShapeHistory", Scene::Obj(part)).AsObject().get(), scene.First(part, 23)->obj);
-  EXPECT_EQ(utils.Call("GetShapeHistory", Scene::Obj(assembly)).AsObject().get(),
-            scene.First(assembly, 2)->obj);
-  // An empty part gets its history component on asking.
-  FakeHost::Shape* empty = scene.AddShape(assembly, 3, "Empty");
-  EXPECT_EQ(scene.CountOf(empty, 23), 0u);
-  EXPECT_FALSE(utils.Call("GetShapeHistory", Scene::Obj(empty)).IsNothing());
-  EXPECT_EQ(scene.CountOf(empty, 23), 1u);
+  EXPECT_TRUE(utils.Call("GetShapeHistory", extrude).IsNothing());
+  EXPECT_TRUE(Same(utils.Call("GetShapeHistory", part), part.Get("Components", 23).Call("Item", 1)));
+  EXPECT_TRUE(Same(utils.Call("GetShapeHistory", assembly), assembly.Get("Components", 2).Call("Item", 1)));
 }
 
 TEST_F(ThreeLevels, DeleteRemovesFromTheParentsContainer) {
-  utils.Call("DeleteShape", Scene::Obj(extrude));
-  EXPECT_TRUE(scene.First(part, 23)->children.empty());
-  EXPECT_EQ(extrude->name, "Extrude");
+  utils.Call("DeleteShape", extrude);
+  EXPECT_EQ(ToLong(part.Get("Components", 23).Call("Item", 1).Get("Shapes").Get("Count")), 0);
 }
 
 TEST_F(ThreeLevels, FaceOwnership) {
-  Variant face = Variant(MakeRef<FakeHost::Dyn>(scene, "Face"));
-  scene.Clear();
-  EXPECT_FALSE(ToBoolean(utils.Call("ShapeOwnFace", Scene::Obj(extrude), face)));
-  for (const std::string& call : scene.journal) EXPECT_EQ(call.rfind("Face.", 0), std::string::npos);
-  FakeHost::Component* facets = scene.AddComponent(extrude, 10);
-  Variant own(Ref<Object>(scene.AddFace(facets, "Own")));
-  EXPECT_TRUE(ToBoolean(utils.Call("ShapeOwnFace", Scene::Obj(extrude), own)));
-  EXPECT_FALSE(ToBoolean(utils.Call("ShapeOwnFace", Scene::Obj(extrude), face)));
+  const Variant facet = AddShape(part, 2, "Facet");  // a facet shape carries faces
+  const Variant own = Comp(facet, 10).Get("Faces").Call("Add");
+  Journal journal;
+  TK_REQUIRE_JOURNAL(journal);
+  EXPECT_FALSE(ToBoolean(utils.Call("ShapeOwnFace", extrude, own)));
+  EXPECT_EQ(journal.Count("IsMember"), 0u);
+  EXPECT_EQ(journal.Count("Faces"), 0u);
+  EXPECT_TRUE(ToBoolean(utils.Call("ShapeOwnFace", facet, own)));
+  const Variant other = AddShape(part, 2, "Other");
+  EXPECT_FALSE(ToBoolean(utils.Call("ShapeOwnFace", other, own)));
 }
 
 TEST(ShapePath, FiveHundredTwelveEntriesAtMost) {
-  Scene scene;
-  FakeHost::Shape* s = scene.Root();
-  for (int i = 0; i < 512; ++i) s = scene.AddShape(s, 1, "A" + std::to_string(i));
-  FakeHost::Shape* leaf = scene.AddShape(s, 5, "Leaf");
-  scene.journalOn = false;
+  const Variant app(RefHost::NewApplication());
+  Variant s = Root(app);
+  for (int i = 0; i < 512; ++i) s = AddShape(s, 1, "A" + std::to_string(i));
+  const Variant leaf = AddShape(s, 5, "Leaf");
   // 512 ancestors and the page name make 513 entries.
-  EXPECT_EQ(ErrorOf([&] { Functions::ShapePathOf(Scene::Obj(leaf)); }), 9);
-  const std::string path = Functions::ShapePathOf(Scene::Obj(s));
+  EXPECT_EQ(ErrorOf([&] { Functions::ShapePathOf(leaf); }), 9);
+  const std::string path = Functions::ShapePathOf(s);
   EXPECT_EQ(path.rfind("Scene1//A0//A1//", 0), 0u);
   EXPECT_NE(path.find("//A510//"), std::string::npos);
   EXPECT_EQ(path.find("A511"), std::string::npos);
@@ -122,4 +115,7 @@ TEST(SceneUtils, BadArgumentsRaiseClassicErrors) {
   EXPECT_EQ(ErrorOf([&] { utils.Call("GetShapePath", 3.0); }), 424);
   EXPECT_EQ(ErrorOf([&] { utils.Call("GetShapePath"); }), 449);
   EXPECT_EQ(ErrorOf([&] { utils.Call("IdenticalShapes", Variant::Nothing(), Variant::Nothing(), 1); }), 450);
+  // A page is not a shape: the host's own error reaches the caller.
+  const Variant app(RefHost::NewApplication());
+  EXPECT_EQ(ErrorOf([&] { utils.Call("GetShapeParent", Page(app)); }), 438);
 }

@@ -1,37 +1,29 @@
 // TKSurfaceFinish: defaults, presets, reading and writing the host finish.
-#include <gtest/gtest.h>
-
-#include "FakeHost.hpp"
+#include "SceneTestSupport.hpp"
 #include "scene/TKSurfaceFinish.hpp"
 
 using namespace TessarkAO;
-using FakeHost::Scene;
+using namespace TessarkAO::SceneTest;
 
 TEST(SurfaceFinish, FreshObjectHoldsTheDefaultsAndUpdatesNeedAShape) {
   auto f = MakeRef<TKSurfaceFinish>();
   EXPECT_EQ(f->GetHighlightColor(), 0xFFFFFF);
   EXPECT_EQ(f->GetSurfaceColor(), 0xC0C0C0);
-  EXPECT_EQ(f->GetIndexOfRefraction(), 1.5);
-  EXPECT_FALSE(f->GetMetallic());
-  try {
-    f->AssignDefaults();
-    FAIL() << "no finish object to write";
-  } catch (const AutomationError& e) {
-    EXPECT_EQ(e.Number(), 91);
-  }
+  EXPECT_EQ(ErrorOf([&] { f->AssignDefaults(); }), 91);
 }
 
 TEST(SurfaceFinish, PresetsAndOtherValues) {
-  Scene scene;
-  FakeHost::Shape* shape = scene.AddShape(scene.Root(), 5, "Extrude");
+  const Variant app(RefHost::NewApplication());
+  const Variant extrude = AddShape(Root(app), 5, "Extrude");
   auto f = MakeRef<TKSurfaceFinish>();
   Variant v{Ref<Object>(f)};
-  v.Set("Shape", Scene::Obj(shape));
-  ASSERT_EQ(scene.CountOf(shape, 7), 1u);  // added on assignment
-  scene.Clear();
+  v.Set("Shape", extrude);
+  ASSERT_EQ(CountOf(extrude, 7), 1);  // added on assignment
+  Journal journal;
+  TK_REQUIRE_JOURNAL(journal);
   v.Call("AssignCustomFinish", 0);
   v.Call("AssignCustomFinish", 7);
-  EXPECT_TRUE(scene.journal.empty());
+  EXPECT_TRUE(journal.Entries().empty());
   EXPECT_FALSE(f->GetMetallic());
 
   struct Row {
@@ -54,35 +46,41 @@ TEST(SurfaceFinish, PresetsAndOtherValues) {
     EXPECT_EQ(f->GetTransparency(), 0.0);
   }
   // Every assignment ends with the twelve writes, in interface order.
-  scene.Clear();
+  journal.Clear();
   v.Call("AssignPreviewDefaults");
-  ASSERT_EQ(scene.journal.size(), 12u);
-  EXPECT_EQ(scene.journal.front(), "Extrude.Components(7).SurfaceFinish.AmbientIntensity");
-  EXPECT_EQ(scene.journal[4], "Extrude.Components(7).SurfaceFinish.HighlightsColor");
-  EXPECT_EQ(scene.journal.back(), "Extrude.Components(7).SurfaceFinish.Transparency");
-  EXPECT_EQ(f->GetTransparency(), 50.0);
-  EXPECT_EQ(f->GetMetallic(), false);
+  const auto writes = journal.Entries();
+  ASSERT_EQ(writes.size(), 12u);
+  EXPECT_EQ(writes.front().member, "AmbientIntensity");
+  EXPECT_EQ(writes[4].member, "HighlightsColor");
+  EXPECT_EQ(writes.back().member, "Transparency");
+  EXPECT_EQ(ToDouble(Comp(extrude, 7).Call("Variable", 12).Get("Value")), 50.0);
+  EXPECT_FALSE(f->GetMetallic());
 }
 
 TEST(SurfaceFinish, ReadsAndWritesTheHostMembers) {
-  Scene scene;
-  FakeHost::Shape* shape = scene.AddShape(scene.Root(), 5, "Extrude");
-  FakeHost::Shape* other = scene.AddShape(scene.Root(), 5, "Other");
+  const Variant app(RefHost::NewApplication());
+  const Variant extrude = AddShape(Root(app), 5, "Extrude");
+  const Variant other = AddShape(Root(app), 5, "Other");
   auto f = MakeRef<TKSurfaceFinish>();
   Variant v{Ref<Object>(f)};
-  v.Set("Shape", Scene::Obj(shape));
-  const Variant same = v.Call("GetFinishFromShape", Scene::Obj(other));
+  v.Set("Shape", extrude);
+  const Variant same = v.Call("GetFinishFromShape", other);
   EXPECT_EQ(same.AsObject().get(), f.get());
-  EXPECT_EQ(scene.CountOf(other, 7), 1u);
-  EXPECT_EQ(f->GetHighlightColor(), 0x102030);
-  EXPECT_EQ(f->GetAmbientIntensity(), 7.0);
-  EXPECT_TRUE(f->GetEdgeTransparencyOn());
-  EXPECT_EQ(v.Get("Shape").AsObject().get(), shape->obj);  // the stored shape stays
+  EXPECT_EQ(CountOf(other, 7), 1);
+  EXPECT_EQ(f->GetHighlightColor(), 16777215);  // the host's initial values
+  EXPECT_EQ(f->GetHighlightIntensity(), 50.0);
+  EXPECT_EQ(f->GetIndexOfRefraction(), 1.0);
+  EXPECT_TRUE(Same(v.Get("Shape"), extrude));  // the stored shape stays
 
+  Journal journal;
+
+  TK_REQUIRE_JOURNAL(journal);
   v.Let("HighlightColor", 0x00FF00);
   v.Call("UpdateColor");
-  const Variant written = Variant(Ref<Object>(scene.First(shape, 7)->finish)).Get("HighlightsColor");
-  EXPECT_EQ(written.Type(), VarType::Long);
-  EXPECT_EQ(written.AsLong(), 0x00FF00);
-  EXPECT_EQ(ToLong(Variant(Ref<Object>(scene.First(other, 7)->finish)).Get("HighlightsColor")), 0x102030);
+  const auto writes = journal.Calls("HighlightsColor");
+  ASSERT_EQ(writes.size(), 1u);
+  EXPECT_EQ(writes[0].kind, CallKind::Let);
+  EXPECT_EQ(writes[0].args.back().Type(), VarType::Long);
+  EXPECT_EQ(ToLong(Comp(extrude, 7).Get("SurfaceFinish").Get("HighlightsColor")), 0x00FF00);
+  EXPECT_EQ(ToLong(Comp(other, 7).Get("SurfaceFinish").Get("HighlightsColor")), 16777215);
 }

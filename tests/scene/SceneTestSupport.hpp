@@ -1,0 +1,101 @@
+// Helpers for the scene tests: reference-host scenes built through the host's
+// own members, and the host's call journal.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "automation/AutomationError.hpp"
+#include "automation/Catalogue.hpp"
+#include "automation/Convert.hpp"
+#include "automation/Variant.hpp"
+#include "refhost/RefHost.hpp"
+
+namespace TessarkAO::SceneTest {
+
+inline int ErrorOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const AutomationError& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
+inline Variant Root(const Variant& app) { return app.Get("ActivePage").Get("Shape"); }
+inline Variant Page(const Variant& app) { return app.Get("ActivePage"); }
+
+// The first component of a type, added when the shape has none.
+inline Variant Comp(const Variant& shape, int type) {
+  const Variant list = shape.Get("Components", type);
+  if (ToLong(list.Get("Count")) == 0) return list.Call("Add");
+  return list.Call("Item", 1);
+}
+
+inline std::int32_t CountOf(const Variant& shape, int type) {
+  return ToLong(shape.Get("Components", type).Get("Count"));
+}
+
+// A new shape of `kind` named `name` under an assembly (1) or a part (3).
+inline Variant AddShape(const Variant& parent, int kind, const std::string& name) {
+  const int holder = ToLong(parent.Get("Type")) == 3 ? 23 : 2;
+  Variant shape = Comp(parent, holder).Get("Shapes", kind).Call("Add");
+  shape.Let("Name", name);
+  return shape;
+}
+
+inline void SetVar(const Variant& shape, int type, int n, const Variant& v) {
+  Comp(shape, type).Call("Variable", n).Let("Value", v);
+}
+
+inline double GetVar(const Variant& shape, int type, int n) {
+  return ToDouble(Comp(shape, type).Call("Variable", n).Get("Value"));
+}
+
+inline bool Same(const Variant& a, const Variant& b) { return a.AsObject().get() == b.AsObject().get(); }
+
+// Records the host calls made while it lives.
+class Journal {
+ public:
+  Journal() {
+    RefHost::ClearJournal();
+    RefHost::StartJournal();
+    Variant(RefHost::NewApplication()).Get("Name");
+    records_ = !RefHost::Journal().empty();
+    RefHost::ClearJournal();
+  }
+  // Whether the host records calls made through its dispatch.
+  bool Records() const { return records_; }
+  ~Journal() {
+    RefHost::StopJournal();
+    RefHost::ClearJournal();
+  }
+  Journal(const Journal&) = delete;
+  Journal& operator=(const Journal&) = delete;
+
+  void Clear() { RefHost::ClearJournal(); }
+  std::vector<RefHost::JournalEntry> Entries() const { return RefHost::Journal(); }
+  // The calls of a member, on `object` when given (its journal name, "Scene1//Part").
+  std::vector<RefHost::JournalEntry> Calls(const std::string& member, const std::string& object = {}) const {
+    std::vector<RefHost::JournalEntry> out;
+    for (const RefHost::JournalEntry& e : RefHost::Journal())
+      if (e.member == member && (object.empty() || e.object == object)) out.push_back(e);
+    return out;
+  }
+  std::size_t Count(const std::string& member, const std::string& object = {}) const {
+    return Calls(member, object).size();
+  }
+
+ private:
+  bool records_ = false;
+};
+
+// Skips the rest of a test whose checks read the journal when the host in
+// this build records nothing, rather than letting absent calls pass.
+#define TK_REQUIRE_JOURNAL(journal) \
+  if (!(journal).Records()) GTEST_SKIP() << "the reference host's journal records no calls in this build"
+
+}  // namespace TessarkAO::SceneTest
