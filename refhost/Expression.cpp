@@ -29,13 +29,13 @@ class Parser {
   double Run() {
     const double v = Expression();
     SkipBlanks();
-    if (pos_ < text_.size()) Fail("unexpected '" + std::string(1, text_[pos_]) + "'");
+    if (pos_ < text_.size()) Fail(std::string("unexpected '") + std::string(1, text_[pos_]) + "'");
     return v;
   }
 
  private:
   [[noreturn]] void Fail(const std::string& what) const {
-    Raise(Err::InvalidCall, "Invalid expression \"" + std::string(text_) + "\" at character " +
+    Raise(Err::InvalidCall, std::string("Invalid expression \"") + std::string(text_) + "\" at character " +
                                 std::to_string(pos_ + 1) + ": " + what);
   }
 
@@ -95,13 +95,25 @@ class Parser {
     return Power();
   }
 
+  // Left-associative, and binding tighter than a sign in front: -2^2 is -4
+  // and 2^3^2 is 64, as in the host's scripting language.  The exponent may
+  // carry its own sign (2^-1).
   double Power() {
-    const double base = Primary();
-    if (Accept('^')) {
-      const double exponent = Unary();
-      return resolve_ ? Checked::Pow(base, exponent) : base;
+    double v = Primary();
+    while (Accept('^')) {
+      Depth guard(depth_);
+      double sign = 1.0;
+      for (;;) {
+        if (Accept('-')) {
+          sign = -sign;
+        } else if (!Accept('+')) {
+          break;
+        }
+      }
+      const double exponent = sign * Primary();
+      v = resolve_ ? Checked::Pow(v, exponent) : v;
     }
-    return base;
+    return v;
   }
 
   double Primary() {
@@ -116,7 +128,7 @@ class Parser {
     }
     if (IsDigit(c) || c == '.' || c == decimal_) return Number();
     if (IsNameStart(c)) return Reference();
-    Fail("unexpected '" + std::string(1, c) + "'");
+    Fail(std::string("unexpected '") + std::string(1, c) + "'");
   }
 
   double Number() {

@@ -3,7 +3,7 @@
 //     expression := term { ("+" | "-") term }
 //     term       := unary { ("*" | "/") unary }
 //     unary      := ("+" | "-") unary | power
-//     power      := primary [ "^" unary ]          (right-associative)
+//     power      := primary { "^" [sign] primary } (left-associative)
 //     primary    := number | reference | "(" expression ")"
 //     reference  := name [ "\" name ]             (Sizebox\Length, Anchor\3, Height)
 //

@@ -44,11 +44,18 @@ class HostCurve;
 namespace ShapeType {
 constexpr std::int32_t Assembly = 1, Facet = 2, Part = 3, Extrude = 5, Profile2D = 9, SMExtrude = 11,
                        Bend = 14, Last = 14;
+constexpr std::int32_t SMForm = 13;
+}
+// What a sheet-metal extrude's Initialize makes of it (its first argument;
+// flat stock when it is left out).
+namespace StockForm {
+constexpr std::int32_t Flat = 1, Curved = 2, Conic = 3;
 }
 namespace ComponentType {
 constexpr std::int32_t Sizebox = 1, Group = 2, Path = 3, Position = 4, Anchor = 5, SurfaceFinish = 7,
                        Facet = 10, Extrude = 14, Profile = 15, Studio = 18, History = 23, AddOn = 43,
                        SMPart = 62, SMExtrude = 63, SMBend = 66;
+constexpr std::int32_t SMForm = 67;
 }
 namespace CurveType {
 constexpr std::int32_t Fillet = 0, Line = 1, Arc = 2, Bezier = 3, Ellipse = 4, BSpline = 5;
@@ -63,15 +70,38 @@ std::string_view ComponentTypeName(std::int32_t type);
 
 class HostObject : public Object {
  public:
-  // Both entry points record the call in the journal when it is on, then
-  // dispatch through the member table.
-  Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override;
-  Variant InvokeId(DispId id, CallKind kind, std::span<Variant> args) override;
-
   // A readable, stable path of the object for the journal.
   virtual std::string JournalName() const = 0;
   // The shape whose components expressions on this object refer to.
   virtual HostShape* ContextShape() const { return nullptr; }
+};
+
+// The journal: whether it is on (cheap), and recording one call.
+bool JournalRecording() noexcept;
+void RecordCall(const HostObject& callee, const ClassInfo& info, DispId id, std::string_view calledName,
+                CallKind kind, std::span<Variant> args);
+
+// The base of every host class: the member-table dispatch of the runtime,
+// with both entry points (by name and by dispatch id) first recording the
+// call in the journal when it is on.  It must stay the most derived
+// override, so that no call reaches a member unrecorded.
+template <class C, class Base>
+class HostDispatch : public Dispatch<C, Base> {
+ public:
+  using Dispatch<C, Base>::Dispatch;
+
+  Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
+    if (JournalRecording()) {
+      const ClassInfo& info = Dispatch<C, Base>::StaticClass();
+      RecordCall(*this, info, info.Find(name), name, kind, args);
+    }
+    return Dispatch<C, Base>::Invoke(name, kind, args);
+  }
+
+  Variant InvokeId(DispId id, CallKind kind, std::span<Variant> args) override {
+    if (JournalRecording()) RecordCall(*this, Dispatch<C, Base>::StaticClass(), id, {}, kind, args);
+    return Dispatch<C, Base>::InvokeId(id, kind, args);
+  }
 };
 
 // Raised when an object's owner is gone (a component of a deleted shape).
@@ -90,7 +120,7 @@ struct VarDef {
 struct VarSlot {
   std::int32_t number = 0;
   VarType type = VarType::Double;
-  double num = 0.0;            // Double, Long and Boolean values
+  double num = 0.0;             // Double, Long and Boolean values
   const VarDef* def = nullptr;  // the host's definition; null for a declared variable
   struct Extra {
     std::string text;        // String value
@@ -121,7 +151,7 @@ class VarTable {
   // defines no variables for); false when the number is taken.
   bool Declare(std::int32_t number, VarType type, std::string name);
 
-  double Number(std::int32_t number) const;  // 0 when absent
+  double Number(std::int32_t number) const;           // 0 when absent
   void SetNumber(std::int32_t number, double value);  // clears a formula
 
  private:
@@ -139,7 +169,7 @@ bool ReevaluateSlot(VarSlot& slot, VarTable& table, HostShape* shape);
 
 // A variable as the caller sees it: Value (the default member), Expression,
 // Name and Type.  It keeps its owner alive.
-class HostVariable final : public Dispatch<HostVariable, HostObject> {
+class HostVariable final : public HostDispatch<HostVariable, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Variable";
   static void Describe(ClassBuilder<HostVariable>& b);
@@ -190,7 +220,7 @@ class ComponentHolder : public HostObject {
 };
 
 // `Components(type)`: Count, Item(i) (the default member), Add().
-class HostComponentList final : public Dispatch<HostComponentList, HostObject> {
+class HostComponentList final : public HostDispatch<HostComponentList, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Components";
   static void Describe(ClassBuilder<HostComponentList>& b);
@@ -212,7 +242,7 @@ class HostComponentList final : public Dispatch<HostComponentList, HostObject> {
 // ---------------------------------------------------------------------------
 // Application, pages, selection.
 
-class HostApplication final : public Dispatch<HostApplication, HostObject> {
+class HostApplication final : public HostDispatch<HostApplication, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Application";
   static void Describe(ClassBuilder<HostApplication>& b);
@@ -239,7 +269,7 @@ class HostApplication final : public Dispatch<HostApplication, HostObject> {
   std::int32_t nextId_ = 1;
 };
 
-class HostPageList final : public Dispatch<HostPageList, HostObject> {
+class HostPageList final : public HostDispatch<HostPageList, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Pages";
   static void Describe(ClassBuilder<HostPageList>& b);
@@ -255,7 +285,7 @@ class HostPageList final : public Dispatch<HostPageList, HostObject> {
   Ref<HostApplication> app_;
 };
 
-class HostPage final : public Dispatch<HostPage, HostObject> {
+class HostPage final : public HostDispatch<HostPage, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Page";
   static void Describe(ClassBuilder<HostPage>& b);
@@ -287,13 +317,13 @@ class HostPage final : public Dispatch<HostPage, HostObject> {
   HostApplication* app_;
   std::string name_;
   Ref<HostShape> root_;
-  double lengthScale_ = 0.001;                  // millimetres
-  double angleScale_ = 0.017453292519943295;    // degrees
+  double lengthScale_ = 0.001;                // millimetres
+  double angleScale_ = 0.017453292519943295;  // degrees
   std::vector<Ref<HostShape>> selection_;
   std::uint64_t updates_ = 0;
 };
 
-class HostSelection final : public Dispatch<HostSelection, HostObject> {
+class HostSelection final : public HostDispatch<HostSelection, HostObject> {
  public:
   static constexpr std::string_view kClassName = "SelectedItems";
   static void Describe(ClassBuilder<HostSelection>& b);
@@ -314,7 +344,7 @@ class HostSelection final : public Dispatch<HostSelection, HostObject> {
 // ---------------------------------------------------------------------------
 // Shapes.
 
-class HostShape final : public Dispatch<HostShape, ComponentHolder> {
+class HostShape final : public HostDispatch<HostShape, ComponentHolder> {
  public:
   static constexpr std::string_view kClassName = "Shape";
   static void Describe(ClassBuilder<HostShape>& b);
@@ -378,7 +408,7 @@ class HostShape final : public Dispatch<HostShape, ComponentHolder> {
 
 // `BoundingBox`: MinX .. MaxZ of the shape's size box as placed in its
 // parent, in page units, computed at each read.
-class HostBoundingBox final : public Dispatch<HostBoundingBox, HostObject> {
+class HostBoundingBox final : public HostDispatch<HostBoundingBox, HostObject> {
  public:
   static constexpr std::string_view kClassName = "BoundingBox";
   static void Describe(ClassBuilder<HostBoundingBox>& b);
@@ -439,15 +469,15 @@ class HostComponent : public HostObject {
 };
 
 // Components without members of their own (position, anchor, size box, ...).
-class HostPlainComponent final : public Dispatch<HostPlainComponent, HostComponent> {
+class HostPlainComponent final : public HostDispatch<HostPlainComponent, HostComponent> {
  public:
   static constexpr std::string_view kClassName = "Component";
   static void Describe(ClassBuilder<HostPlainComponent>& b) { DescribeCommon(b); }
-  using Dispatch::Dispatch;
+  using HostDispatch::HostDispatch;
 };
 
 // `Variables`: Count and Item(i), the component's variables in number order.
-class HostVariableList final : public Dispatch<HostVariableList, HostObject> {
+class HostVariableList final : public HostDispatch<HostVariableList, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Variables";
   static void Describe(ClassBuilder<HostVariableList>& b);
@@ -461,11 +491,11 @@ class HostVariableList final : public Dispatch<HostVariableList, HostObject> {
 };
 
 // Group (2) and history (23): `Shapes`, the child shapes.
-class HostContainerComponent final : public Dispatch<HostContainerComponent, HostComponent> {
+class HostContainerComponent final : public HostDispatch<HostContainerComponent, HostComponent> {
  public:
   static constexpr std::string_view kClassName = "ShapeContainer";
   static void Describe(ClassBuilder<HostContainerComponent>& b);
-  using Dispatch::Dispatch;
+  using HostDispatch::HostDispatch;
   ~HostContainerComponent() override;
 
   Ref<Object> Shapes(const Variant& kind);
@@ -480,7 +510,7 @@ class HostContainerComponent final : public Dispatch<HostContainerComponent, Hos
   std::vector<Ref<HostShape>> children_;
 };
 
-class HostShapeList final : public Dispatch<HostShapeList, HostObject> {
+class HostShapeList final : public HostDispatch<HostShapeList, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Shapes";
   static void Describe(ClassBuilder<HostShapeList>& b);
@@ -500,7 +530,7 @@ class HostShapeList final : public Dispatch<HostShapeList, HostObject> {
 
 // Profile (15): `Profile`, the object whose Components(3) are the paths.
 class HostProfileObject;
-class HostProfileComponent final : public Dispatch<HostProfileComponent, HostComponent> {
+class HostProfileComponent final : public HostDispatch<HostProfileComponent, HostComponent> {
  public:
   static constexpr std::string_view kClassName = "ProfileComponent";
   static void Describe(ClassBuilder<HostProfileComponent>& b);
@@ -513,7 +543,7 @@ class HostProfileComponent final : public Dispatch<HostProfileComponent, HostCom
   Ref<HostProfileObject> profile_;
 };
 
-class HostProfileObject final : public Dispatch<HostProfileObject, ComponentHolder> {
+class HostProfileObject final : public HostDispatch<HostProfileObject, ComponentHolder> {
  public:
   static constexpr std::string_view kClassName = "Profile";
   static void Describe(ClassBuilder<HostProfileObject>& b);
@@ -528,15 +558,15 @@ class HostProfileObject final : public Dispatch<HostProfileObject, ComponentHold
 
 // Surface finish (7): `SurfaceFinish`, whose twelve members are variables 1
 // to 12 of the component.
-class HostFinishComponent final : public Dispatch<HostFinishComponent, HostComponent> {
+class HostFinishComponent final : public HostDispatch<HostFinishComponent, HostComponent> {
  public:
   static constexpr std::string_view kClassName = "SurfaceFinishComponent";
   static void Describe(ClassBuilder<HostFinishComponent>& b);
-  using Dispatch::Dispatch;
+  using HostDispatch::HostDispatch;
   Ref<Object> SurfaceFinish();
 };
 
-class HostSurfaceFinish final : public Dispatch<HostSurfaceFinish, HostObject> {
+class HostSurfaceFinish final : public HostDispatch<HostSurfaceFinish, HostObject> {
  public:
   static constexpr std::string_view kClassName = "SurfaceFinish";
   static void Describe(ClassBuilder<HostSurfaceFinish>& b);
@@ -554,7 +584,7 @@ class HostSurfaceFinish final : public Dispatch<HostSurfaceFinish, HostObject> {
 };
 
 // Face-bearing geometry (10): `Faces` with Count, Item, Add and IsMember.
-class HostFace final : public Dispatch<HostFace, HostObject> {
+class HostFace final : public HostDispatch<HostFace, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Face";
   static void Describe(ClassBuilder<HostFace>& b);
@@ -567,11 +597,11 @@ class HostFace final : public Dispatch<HostFace, HostObject> {
   HostComponent* component_ = nullptr;
 };
 
-class HostFacetComponent final : public Dispatch<HostFacetComponent, HostComponent> {
+class HostFacetComponent final : public HostDispatch<HostFacetComponent, HostComponent> {
  public:
   static constexpr std::string_view kClassName = "FacetComponent";
   static void Describe(ClassBuilder<HostFacetComponent>& b);
-  using Dispatch::Dispatch;
+  using HostDispatch::HostDispatch;
   ~HostFacetComponent() override;
   Ref<Object> Faces();
   std::vector<Ref<HostFace>>& FaceList() { return faces_; }
@@ -581,7 +611,7 @@ class HostFacetComponent final : public Dispatch<HostFacetComponent, HostCompone
   std::vector<Ref<HostFace>> faces_;
 };
 
-class HostFaceList final : public Dispatch<HostFaceList, HostObject> {
+class HostFaceList final : public HostDispatch<HostFaceList, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Faces";
   static void Describe(ClassBuilder<HostFaceList>& b);
@@ -597,11 +627,11 @@ class HostFaceList final : public Dispatch<HostFaceList, HostObject> {
 };
 
 // Sheet-metal bend (66): named members over its variables.
-class HostBendComponent final : public Dispatch<HostBendComponent, HostComponent> {
+class HostBendComponent final : public HostDispatch<HostBendComponent, HostComponent> {
  public:
   static constexpr std::string_view kClassName = "BendComponent";
   static void Describe(ClassBuilder<HostBendComponent>& b);
-  using Dispatch::Dispatch;
+  using HostDispatch::HostDispatch;
 
   void LetDirection(const Variant& v);
   void LetDropFlags(const Variant& v);
@@ -627,7 +657,7 @@ class HostBendComponent final : public Dispatch<HostBendComponent, HostComponent
 // ---------------------------------------------------------------------------
 // Paths (component type 3) and curves.
 
-class HostPath final : public Dispatch<HostPath, HostComponent> {
+class HostPath final : public HostDispatch<HostPath, HostComponent> {
  public:
   static constexpr std::string_view kClassName = "Path";
   static void Describe(ClassBuilder<HostPath>& b);
@@ -665,7 +695,7 @@ class HostPath final : public Dispatch<HostPath, HostComponent> {
   std::vector<Ref<HostCurve>> curves_;
 };
 
-class HostCurveList final : public Dispatch<HostCurveList, HostObject> {
+class HostCurveList final : public HostDispatch<HostCurveList, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Curves";
   static void Describe(ClassBuilder<HostCurveList>& b);
@@ -693,7 +723,7 @@ struct BSplineData {
   std::vector<Point2> fit;
 };
 
-class HostCurve final : public Dispatch<HostCurve, HostObject> {
+class HostCurve final : public HostDispatch<HostCurve, HostObject> {
  public:
   static constexpr std::string_view kClassName = "Curve";
   static void Describe(ClassBuilder<HostCurve>& b);

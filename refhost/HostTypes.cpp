@@ -13,37 +13,92 @@ constexpr VarType L = VarType::Long;
 constexpr VarType B = VarType::Boolean;
 constexpr VarType S = VarType::String;
 
-constexpr std::array<std::string_view, 15> kShapeKinds = {
-    "",      "Assembly", "Facet", "Part",  "Sweep",   "Extrude",  "Spin", "Loft", "Brep", "2D Profile",
-    "Bevel", "Sheet Metal Extrude", "Complex", "Sheet Metal Form Shape", "Bend"};
+constexpr std::array<std::string_view, 15> kShapeKinds = {"",        "Assembly",
+                                                          "Facet",   "Part",
+                                                          "Sweep",   "Extrude",
+                                                          "Spin",    "Loft",
+                                                          "Brep",    "2D Profile",
+                                                          "Bevel",   "Sheet Metal Extrude",
+                                                          "Complex", "Sheet Metal Form Shape",
+                                                          "Bend"};
 
 // Display names by component type; "" marks codes the host does not use.
-constexpr std::array<std::string_view, 69> kComponentNames = {
-    "",                    "Sizebox",          "Group",            "Path",
-    "Position",            "Anchor",           "Path Manager",     "Surface Finish",
-    "Light",               "Attatchment Point", "Facet",           "Brep",
-    "Compound",            "Edge Bevel",       "Sweep",            "Profile",
-    "Text",                "Orbix",            "Studio",           "Linestyle",
-    "Solid Instance",      "",                 "",                 "History",
-    "Path Sweep",          "UI Behavior",      "OLE Object",       "Face Finish",
-    "",                    "Profile Group",    "Loft",             "Loft Section",
-    "Shelling",            "Utility Dimension", "Variable",        "",
-    "",                    "",                 "Smart Dimension",  "",
-    "User Handle",         "",                 "Embedded Page",    "Add-On",
-    "Properties",          "",                 "",                 "Style Layer Manager",
-    "Style Properties",    "Camera",           "Connection Point", "",
-    "",                    "",                 "Path Master",      "Feature Control Frame",
-    "Datum Feature",       "Datum Target",     "Relation",         "Draw Centerline",
-    "Draw Reference Geom", "Bill Of Materials", "SM Part",         "SM Extrude",
-    "Complex",             "Definition Add-On", "SM Bend",         "SM Form",
-    "SM Lance"};
+constexpr std::array<std::string_view, 69> kComponentNames = {"",
+                                                              "Sizebox",
+                                                              "Group",
+                                                              "Path",
+                                                              "Position",
+                                                              "Anchor",
+                                                              "Path Manager",
+                                                              "Surface Finish",
+                                                              "Light",
+                                                              "Attatchment Point",
+                                                              "Facet",
+                                                              "Brep",
+                                                              "Compound",
+                                                              "Edge Bevel",
+                                                              "Sweep",
+                                                              "Profile",
+                                                              "Text",
+                                                              "Orbix",
+                                                              "Studio",
+                                                              "Linestyle",
+                                                              "Solid Instance",
+                                                              "",
+                                                              "",
+                                                              "History",
+                                                              "Path Sweep",
+                                                              "UI Behavior",
+                                                              "OLE Object",
+                                                              "Face Finish",
+                                                              "",
+                                                              "Profile Group",
+                                                              "Loft",
+                                                              "Loft Section",
+                                                              "Shelling",
+                                                              "Utility Dimension",
+                                                              "Variable",
+                                                              "",
+                                                              "",
+                                                              "",
+                                                              "Smart Dimension",
+                                                              "",
+                                                              "User Handle",
+                                                              "",
+                                                              "Embedded Page",
+                                                              "Add-On",
+                                                              "Properties",
+                                                              "",
+                                                              "",
+                                                              "Style Layer Manager",
+                                                              "Style Properties",
+                                                              "Camera",
+                                                              "Connection Point",
+                                                              "",
+                                                              "",
+                                                              "",
+                                                              "Path Master",
+                                                              "Feature Control Frame",
+                                                              "Datum Feature",
+                                                              "Datum Target",
+                                                              "Relation",
+                                                              "Draw Centerline",
+                                                              "Draw Reference Geom",
+                                                              "Bill Of Materials",
+                                                              "SM Part",
+                                                              "SM Extrude",
+                                                              "Complex",
+                                                              "Definition Add-On",
+                                                              "SM Bend",
+                                                              "SM Form",
+                                                              "SM Lance"};
 
 constexpr VarDef kSizebox[] = {
-    {1, "Length", D, 0},          {2, "Width", D, 0},          {3, "Height", D, 0},
-    {4, "Length Locked", L, 0},   {5, "Width Locked", L, 0},   {6, "Height Locked", L, 0},
+    {1, "Length", D, 0},           {2, "Width", D, 0},         {3, "Height", D, 0},
+    {4, "Length Locked", L, 0},    {5, "Width Locked", L, 0},  {6, "Height Locked", L, 0},
     {7, "Keep Proportions", L, 0}, {8, "Length Handle", L, 0}, {9, "Width Handle", L, 0},
-    {10, "Height Handle", L, 0},  {11, "Min X", D, 0},         {12, "Min Y", D, 0},
-    {13, "Min Z", D, 0},          {14, "Locked", L, 0},        {15, "Fit To Geometry", L, 0}};
+    {10, "Height Handle", L, 0},   {11, "Min X", D, 0},        {12, "Min Y", D, 0},
+    {13, "Min Z", D, 0},           {14, "Locked", L, 0},       {15, "Fit To Geometry", L, 0}};
 
 constexpr VarDef kPosition[] = {{1, "X", D, 0},      {2, "Y", D, 0},      {3, "Z", D, 0},
                                 {4, "Axis X", D, 0}, {5, "Axis Y", D, 0}, {6, "Axis Z", D, 0},
@@ -67,14 +122,16 @@ constexpr VarDef kFinish[] = {{1, "AmbientIntensity", D, 100},
                               {11, "SurfaceColorIntensity", D, 100},
                               {12, "Transparency", D, 0}};
 
-constexpr VarDef kExtrude[] = {{1, "Removes Material", L, 0}, {55, "Height Up", D, 1}, {56, "Height Down", D, 0}};
+constexpr VarDef kExtrude[] = {
+    {1, "Removes Material", L, 0}, {55, "Height Up", D, 1}, {56, "Height Down", D, 0}};
 
 constexpr VarDef kAddOn[] = {{1, "Class", S, 0}};
 
 constexpr VarDef kSMPart[] = {
     {1, "Thickness", D, 0.1}, {2, "Bend Radius", D, 0.1}, {3, "K Factor", D, 0.5}, {4, "Initialized", L, 0}};
 
-constexpr VarDef kSMExtrude[] = {{1, "Sheet Metal Type", L, 1}, {55, "Thickness", D, 0.1}, {56, "Second Depth", D, 0}};
+constexpr VarDef kSMExtrude[] = {
+    {1, "Sheet Metal Type", L, 1}, {55, "Thickness", D, 0.1}, {56, "Second Depth", D, 0}};
 
 constexpr VarDef kSMBend[] = {{1, "Angle", D, 1.5707963267948966},
                               {2, "Radius", D, 0.1},
@@ -96,17 +153,27 @@ constexpr VarDef kSMBend[] = {{1, "Angle", D, 1.5707963267948966},
                               {18, "Corner Relief Orientation 2", L, 0},
                               {19, "Initialized", L, 0}};
 
+// A forming tool pressed into the sheet: direction 1 up, 2 down; lengths in
+// page units.
+constexpr VarDef kSMForm[] = {
+    {1, "Direction", L, 1}, {2, "Depth", D, 0.25}, {3, "Punch Radius", D, 0.0625}, {4, "Die Radius", D, 0.0625}};
+
 // Path curves: the variable numbers follow the host's curve layouts.
 constexpr VarDef kStart[] = {{1, "X", D, 0}, {2, "Y", D, 0}};
 constexpr VarDef kFillet[] = {
     {1, "X", D, 0}, {2, "Y", D, 0}, {3, "Radius", D, 0}, {5, "Center X", D, 0}, {6, "Center Y", D, 0}};
 constexpr VarDef kLine[] = {{1, "X", D, 0}, {2, "Y", D, 0}, {9, "Start Trim", D, 0}, {10, "End Trim", D, 0}};
-constexpr VarDef kArc[] = {{1, "X", D, 0},           {2, "Y", D, 0},        {3, "Start Trim", D, 0},
-                           {4, "End Trim", D, 0},    {8, "Angle Major", D, 0}, {9, "H Factor", D, 0},
-                           {10, "Eccentricity", D, 0}};
-constexpr VarDef kBezier[] = {{1, "X", D, 0},          {2, "Y", D, 0},          {3, "Tangent(1) X", D, 0},
-                              {4, "Tangent(1) Y", D, 0}, {5, "Tangent(2) X", D, 0}, {6, "Tangent(2) Y", D, 0},
-                              {9, "Start Trim", D, 0},  {10, "End Trim", D, 0}};
+constexpr VarDef kArc[] = {
+    {1, "X", D, 0},           {2, "Y", D, 0},        {3, "Start Trim", D, 0},   {4, "End Trim", D, 0},
+    {8, "Angle Major", D, 0}, {9, "H Factor", D, 0}, {10, "Eccentricity", D, 0}};
+constexpr VarDef kBezier[] = {{1, "X", D, 0},
+                              {2, "Y", D, 0},
+                              {3, "Tangent(1) X", D, 0},
+                              {4, "Tangent(1) Y", D, 0},
+                              {5, "Tangent(2) X", D, 0},
+                              {6, "Tangent(2) Y", D, 0},
+                              {9, "Start Trim", D, 0},
+                              {10, "End Trim", D, 0}};
 constexpr VarDef kEllipse[] = {{1, "Center X", D, 0},
                                {2, "Center Y", D, 0},
                                {3, "X Pt. On Curve", D, 0},
@@ -137,6 +204,7 @@ std::span<const VarDef> ComponentVarDefs(std::int32_t type) {
     case ComponentType::SMPart: return kSMPart;
     case ComponentType::SMExtrude: return kSMExtrude;
     case ComponentType::SMBend: return kSMBend;
+    case ComponentType::SMForm: return kSMForm;
     default: return {};
   }
 }

@@ -52,26 +52,24 @@ std::string ShortestSingle(float f) {
 
 }  // namespace
 
-Variant HostObject::Invoke(std::string_view name, CallKind kind, std::span<Variant> args) {
-  const DispId id = GetDispId(name);
-  if (gOn.load(std::memory_order_relaxed)) {
-    const MemberInfo* m = id != DispIdUnknown ? Class()->Member(id) : nullptr;
-    Record(*this, m ? std::string_view(m->name) : name, kind, args);
-  }
-  if (id == DispIdUnknown) Raise(Err::NoSuchMember);
-  return Object::InvokeId(id, kind, args);
-}
+bool JournalRecording() noexcept { return gOn.load(std::memory_order_relaxed); }
 
-Variant HostObject::InvokeId(DispId id, CallKind kind, std::span<Variant> args) {
-  if (gOn.load(std::memory_order_relaxed)) {
-    const MemberInfo* m = Class() ? Class()->Member(id) : nullptr;
-    Record(*this, m ? std::string_view(m->name) : std::string_view("#" + std::to_string(id)), kind, args);
+// The member's declared name when it exists, else the name as called (or the
+// dispatch id) so that calls of missing members show too.
+void RecordCall(const HostObject& callee, const ClassInfo& info, DispId id, std::string_view calledName,
+                CallKind kind, std::span<Variant> args) {
+  const MemberInfo* m = id != DispIdUnknown ? info.Member(id) : nullptr;
+  if (m) {
+    Record(callee, m->name, kind, args);
+  } else if (!calledName.empty()) {
+    Record(callee, calledName, kind, args);
+  } else {
+    Record(callee, std::string("#") + std::to_string(id), kind, args);
   }
-  return Object::InvokeId(id, kind, args);
 }
 
 void RaiseDetached(std::string_view what) {
-  Raise(Err::AutomationFailure, "The " + std::string(what) + " is no longer part of a scene");
+  Raise(Err::AutomationFailure, std::string("The ") + std::string(what) + " is no longer part of a scene");
 }
 
 void StartJournal() {
@@ -106,7 +104,7 @@ std::vector<JournalEntry> Journal() {
 std::string DescribeObject(const Ref<Object>& object) {
   if (!object) return "Nothing";
   if (auto* h = dynamic_cast<const HostObject*>(object.get())) return h->JournalName();
-  return "<" + object->TypeName() + ">";
+  return std::string("<") + object->TypeName() + ">";
 }
 
 std::string FormatJournalValue(const Variant& value) {
@@ -139,7 +137,7 @@ std::string FormatJournalValue(const Variant& value) {
       return s + "\"";
     }
     case VarType::Object: return DescribeObject(v.AsObject());
-    case VarType::Error: return "Error(" + std::to_string(v.AsError().scode) + ")";
+    case VarType::Error: return std::string("Error(") + std::to_string(v.AsError().scode) + ")";
     default: return ToString(v) + "(" + std::string(TypeName(v.Type())) + ")";
   }
 }
@@ -164,7 +162,7 @@ std::string FormatJournal(const std::vector<JournalEntry>& entries) {
       }
       out += ")";
     }
-    if (put && !e.args.empty()) out += " = " + FormatJournalValue(e.args.back());
+    if (put && !e.args.empty()) out += std::string(" = ") + FormatJournalValue(e.args.back());
     out += "\n";
   }
   return out;

@@ -55,7 +55,7 @@ std::vector<double> ReadNumbers(const Variant& v, const char* what) {
 
 void CheckDegree(std::int32_t degree) {
   if (degree < 1 || degree > kMaxDegree)
-    Raise(Err::InvalidCall, "A B-spline degree lies from 1 to " + std::to_string(kMaxDegree));
+    Raise(Err::InvalidCall, std::string("A B-spline degree lies from 1 to ") + std::to_string(kMaxDegree));
 }
 
 // A tangent argument: left out, Empty or an object (none is used).
@@ -87,7 +87,7 @@ void HostPath::Describe(ClassBuilder<HostPath>& b) {
       .Method<&HostPath::AddFilletAt>("AddFilletAt", Names{"Position", "Radius"});
 }
 
-HostPath::HostPath() : Dispatch(ComponentType::Path, std::span<const VarDef>()), start_(StartVarDefs()) {}
+HostPath::HostPath() : HostDispatch(ComponentType::Path, std::span<const VarDef>()), start_(StartVarDefs()) {}
 
 HostPath::~HostPath() {
   for (Ref<HostCurve>& c : curves_) c->Attach(nullptr);
@@ -135,7 +135,8 @@ Ref<Object> HostPath::AddArcTo(double& x, double& y, double& hFactor) {
 }
 
 Ref<Object> HostPath::AddSplineTo(double& x, double& y, double& t1x, double& t1y, double& t2x, double& t2y) {
-  const double v[6] = {FiniteArg(x), FiniteArg(y), FiniteArg(t1x), FiniteArg(t1y), FiniteArg(t2x), FiniteArg(t2y)};
+  const double v[6] = {FiniteArg(x),   FiniteArg(y),   FiniteArg(t1x),
+                       FiniteArg(t1y), FiniteArg(t2x), FiniteArg(t2y)};
   Ref<HostCurve> c = AppendCurve(CurveType::Bezier);
   for (std::int32_t n = 1; n <= 6; ++n) c->Vars().SetNumber(n, v[n - 1]);
   return c;
@@ -179,7 +180,7 @@ Ref<Object> HostPath::AddBSplineTo(double& x, double& y) {
 Ref<Object> HostPath::AddFilletAt(std::int32_t& position, double& radius) {
   const std::int32_t count = static_cast<std::int32_t>(curves_.size());
   if (position < 1 || position > count + 1)
-    Raise(Err::InvalidCall, "A fillet position lies from 1 to " + std::to_string(count + 1));
+    Raise(Err::InvalidCall, std::string("A fillet position lies from 1 to ") + std::to_string(count + 1));
   if (!(FiniteArg(radius) >= 0.0)) Raise(Err::InvalidCall, "A fillet radius cannot be negative");
   const std::size_t j = static_cast<std::size_t>(position);
   const Vec3 corner = EndOf(j - 1);
@@ -281,10 +282,11 @@ void HostCurve::Describe(ClassBuilder<HostCurve>& b) {
       .Method<&HostCurve::GetKnot>("GetKnot", Names{"Index"})
       .Get<&HostCurve::Weights>("Weights")
       .Method<&HostCurve::GetWeight>("GetWeight", Names{"Index"})
-      .Method<&HostCurve::SetDefinition>("SetDefinition",
-                                         Names{"Degree", "Periodic", "Closed", "ControlPoints", "Weights", "Knots"})
+      .Method<&HostCurve::SetDefinition>(
+          "SetDefinition", Names{"Degree", "Periodic", "Closed", "ControlPoints", "Weights", "Knots"})
       .Method<&HostCurve::SetDefinitionByFitPoints>(
-          "SetDefinitionByFitPoints", Names{"Degree", "Periodic", "Closed", "FitPoints", "StartTangent", "EndTangent"},
+          "SetDefinitionByFitPoints",
+          Names{"Degree", "Periodic", "Closed", "FitPoints", "StartTangent", "EndTangent"},
           Opt{Variant::Missing(), Variant::Missing()});
 }
 
@@ -313,8 +315,12 @@ std::int32_t HostCurve::Degree() const { return RequireBSpline(), spline_.degree
 std::int32_t HostCurve::ControlPoints() const {
   return RequireBSpline(), static_cast<std::int32_t>(spline_.control.size());
 }
-std::int32_t HostCurve::FitPoints() const { return RequireBSpline(), static_cast<std::int32_t>(spline_.fit.size()); }
-std::int32_t HostCurve::Knots() const { return RequireBSpline(), static_cast<std::int32_t>(spline_.knots.size()); }
+std::int32_t HostCurve::FitPoints() const {
+  return RequireBSpline(), static_cast<std::int32_t>(spline_.fit.size());
+}
+std::int32_t HostCurve::Knots() const {
+  return RequireBSpline(), static_cast<std::int32_t>(spline_.knots.size());
+}
 std::int32_t HostCurve::Weights() const {
   return RequireBSpline(), static_cast<std::int32_t>(spline_.weights.size());
 }
@@ -340,7 +346,9 @@ void HostCurve::GetFitPoint(std::int32_t index, double& x, double& y) const {
 }
 
 double HostCurve::GetKnot(std::int32_t index) const { return RequireBSpline(), Entry(spline_.knots, index); }
-double HostCurve::GetWeight(std::int32_t index) const { return RequireBSpline(), Entry(spline_.weights, index); }
+double HostCurve::GetWeight(std::int32_t index) const {
+  return RequireBSpline(), Entry(spline_.weights, index);
+}
 
 // Defines the spline by its control points, weights and knots, taken as given
 // (the host does not insist on a knot count); the fit points are dropped.
@@ -360,8 +368,9 @@ void HostCurve::SetDefinition(std::int32_t degree, bool periodic, bool closed, c
 
 // Defines the spline through fit points: the host interpolates them and
 // keeps both the fit points and the control points, knots and weights.
-void HostCurve::SetDefinitionByFitPoints(std::int32_t degree, bool periodic, bool closed, const Variant& fitPoints,
-                                         const Variant& startTangent, const Variant& endTangent) {
+void HostCurve::SetDefinitionByFitPoints(std::int32_t degree, bool periodic, bool closed,
+                                         const Variant& fitPoints, const Variant& startTangent,
+                                         const Variant& endTangent) {
   RequireBSpline();
   CheckDegree(degree);
   CheckTangent(startTangent);
@@ -396,13 +405,16 @@ void InterpolateBSpline(BSplineData& s) {
   const int p = static_cast<int>(std::min<std::size_t>(static_cast<std::size_t>(s.degree), n - 1));
   std::vector<double> u(n, 0.0);
   double total = 0.0;
-  for (std::size_t k = 1; k < n; ++k) total += std::hypot(s.fit[k].x - s.fit[k - 1].x, s.fit[k].y - s.fit[k - 1].y);
+  for (std::size_t k = 1; k < n; ++k)
+    total += std::hypot(s.fit[k].x - s.fit[k - 1].x, s.fit[k].y - s.fit[k - 1].y);
   for (std::size_t k = 1; k < n; ++k) {
-    const double step = total > 0.0 ? std::hypot(s.fit[k].x - s.fit[k - 1].x, s.fit[k].y - s.fit[k - 1].y) / total
-                                    : 1.0 / static_cast<double>(n - 1);
+    const double step = total > 0.0
+                            ? std::hypot(s.fit[k].x - s.fit[k - 1].x, s.fit[k].y - s.fit[k - 1].y) / total
+                            : 1.0 / static_cast<double>(n - 1);
     u[k] = u[k - 1] + step;
     if (total > 0.0 && step == 0.0)
-      Raise(Err::InvalidCall, "Fit points " + std::to_string(k) + " and " + std::to_string(k + 1) + " coincide");
+      Raise(Err::InvalidCall,
+            std::string("Fit points ") + std::to_string(k) + " and " + std::to_string(k + 1) + " coincide");
   }
   u[n - 1] = 1.0;
   std::vector<double> knots(n + static_cast<std::size_t>(p) + 1, 0.0);

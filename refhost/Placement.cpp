@@ -104,8 +104,8 @@ void Placement::OrientationDown(Vec3& axis, double& angle) const {
   ToAxisAngle(Transposed(rotation) * RotationAboutAxis(axis, angle), axis, angle);
 }
 
-Placement MakePlacement(Vec3 position, Vec3 axis, double angle, bool mirror, Vec3 anchor,
-                        Vec3 anchorAxis, double anchorAngle) {
+Placement MakePlacement(Vec3 position, Vec3 axis, double angle, bool mirror, Vec3 anchor, Vec3 anchorAxis,
+                        double anchorAngle) {
   const Mat3 rp = RotationAboutAxis(axis, angle);
   const Mat3 raT = Transposed(RotationAboutAxis(anchorAxis, anchorAngle));
   Placement p;

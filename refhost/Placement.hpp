@@ -40,8 +40,8 @@ void ToAxisAngle(const Mat3& r, Vec3& axis, double& angle);
 
 // The transform from a shape's local space into its parent's.
 struct Placement {
-  Mat3 linear;     // rotation and mirror
-  Mat3 rotation;   // rotation alone: what orientations are carried through
+  Mat3 linear;    // rotation and mirror
+  Mat3 rotation;  // rotation alone: what orientations are carried through
   Vec3 translation;
   bool rotates = false;  // rotation differs from the identity
 
@@ -56,7 +56,7 @@ struct Placement {
   void OrientationDown(Vec3& axis, double& angle) const;
 };
 
-Placement MakePlacement(Vec3 position, Vec3 axis, double angle, bool mirror, Vec3 anchor,
-                        Vec3 anchorAxis, double anchorAngle);
+Placement MakePlacement(Vec3 position, Vec3 axis, double angle, bool mirror, Vec3 anchor, Vec3 anchorAxis,
+                        double anchorAngle);
 
 }  // namespace TessarkAO::RefHost

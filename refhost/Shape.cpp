@@ -17,6 +17,9 @@ namespace {
 constexpr double kDefaultLength = 0.001;
 constexpr double kDefaultAngle = 0.017453292519943295;
 
+// Deeper trees are refused: every level costs stack when a tree is released.
+constexpr std::size_t kMaxNesting = 1000;
+
 // Page units to the internal centimetres and back, as value * from / to.
 double ToCentimetres(double v, double scale) { return v * scale / 0.01; }
 double FromCentimetres(double v, double scale) { return v * 0.01 / scale; }
@@ -90,7 +93,7 @@ Ref<Object> HostComponentList::Item(std::int32_t index) const {
 // added.  A profile holds paths only.
 Ref<Object> HostComponentList::Add() {
   if (ComponentTypeName(type_).empty())
-    Raise(Err::InvalidCall, "The host has no component type " + std::to_string(type_));
+    Raise(Err::InvalidCall, std::string("The host has no component type ") + std::to_string(type_));
   if (type_ == ComponentType::Studio) Raise(Err::InvalidCall, "The studio component cannot be added");
   if (dynamic_cast<HostProfileObject*>(holder_.get()) && type_ != ComponentType::Path)
     Raise(Err::InvalidCall, "A profile holds paths (component type 3) only");
@@ -123,9 +126,8 @@ void HostShape::Describe(ClassBuilder<HostShape>& b) {
       .Method<&HostShape::ResetSizeBox>("ResetSizeBox")
       .Method<&HostShape::RealignAnchor>("RealignAnchor")
       .Method<&HostShape::Update>("Update")
-      .Method<&HostShape::Initialize>("Initialize",
-                                      Opt{Variant::Missing(), Variant::Missing(), Variant::Missing(),
-                                          Variant::Missing()})
+      .Method<&HostShape::Initialize>(
+          "Initialize", Opt{Variant::Missing(), Variant::Missing(), Variant::Missing(), Variant::Missing()})
       .Get<&ComponentHolder::Components>("Components", Names{"Type"});
 }
 
@@ -193,7 +195,8 @@ Placement HostShape::MakeLocalPlacement(bool internalUnits) const {
   }
   auto scale = [&](Vec3 v) {
     if (!internalUnits) return v;
-    return Vec3{ToCentimetres(v.x, lengthScale), ToCentimetres(v.y, lengthScale), ToCentimetres(v.z, lengthScale)};
+    return Vec3{ToCentimetres(v.x, lengthScale), ToCentimetres(v.y, lengthScale),
+                ToCentimetres(v.z, lengthScale)};
   };
   return MakePlacement(scale(position), axis, angle, mirror, scale(anchor), anchorAxis, anchorAngle);
 }
@@ -233,8 +236,8 @@ void HostShape::GetPointTransformUp(double& x, double& y, double& z, double& rx,
   Vec3 axis{rx, ry, rz};
   double a = angle;
   p.OrientationUp(axis, a);
-  const double out[7] = {Finite(q.x), Finite(q.y), Finite(q.z), Finite(axis.x), Finite(axis.y), Finite(axis.z),
-                         Finite(a)};
+  const double out[7] = {Finite(q.x),    Finite(q.y),    Finite(q.z), Finite(axis.x),
+                         Finite(axis.y), Finite(axis.z), Finite(a)};
   x = out[0], y = out[1], z = out[2], rx = out[3], ry = out[4], rz = out[5], angle = out[6];
 }
 
@@ -256,8 +259,8 @@ void HostShape::GetPointTransformDown(Ref<Object>& child, double& x, double& y, 
     q = p.PointDown(q);
     p.OrientationDown(axis, a);
   }
-  const double out[7] = {Finite(q.x), Finite(q.y), Finite(q.z), Finite(axis.x), Finite(axis.y), Finite(axis.z),
-                         Finite(a)};
+  const double out[7] = {Finite(q.x),    Finite(q.y),    Finite(q.z), Finite(axis.x),
+                         Finite(axis.y), Finite(axis.z), Finite(a)};
   x = out[0], y = out[1], z = out[2], rx = out[3], ry = out[4], rz = out[5], angle = out[6];
 }
 
@@ -265,7 +268,8 @@ void HostShape::WritePosition(Vec3 positionCm, const Mat3* rotation) {
   HostComponent* c = First(ComponentType::Position);
   if (!c) c = AddComponent(ComponentType::Position).get();
   const double s = LengthScale();
-  const double values[3] = {Finite(FromCentimetres(positionCm.x, s)), Finite(FromCentimetres(positionCm.y, s)),
+  const double values[3] = {Finite(FromCentimetres(positionCm.x, s)),
+                            Finite(FromCentimetres(positionCm.y, s)),
                             Finite(FromCentimetres(positionCm.z, s))};
   if (rotation) {
     Vec3 axis;
@@ -294,7 +298,8 @@ void HostShape::Rotate(std::int32_t& axis, double& angle) {
   }
   const Mat3 r = RotationAboutAxis(e, angle) * RotationAboutAxis(paxis, pangle);
   const double s = LengthScale();
-  WritePosition({ToCentimetres(position.x, s), ToCentimetres(position.y, s), ToCentimetres(position.z, s)}, &r);
+  WritePosition({ToCentimetres(position.x, s), ToCentimetres(position.y, s), ToCentimetres(position.z, s)},
+                &r);
 }
 
 // Moves the shape by (dx, dy, dz) centimetres: along the parent's axes when
@@ -348,10 +353,19 @@ void HostShape::ResetSizeBox() {
   if (flat) {
     double zlo = 0.0, zhi = 0.0;
     if (const HostComponent* e = First(ComponentType::Extrude)) {
-      zlo = -e->Vars().Number(56);
+      zlo = 0.0 - e->Vars().Number(56);  // 0 - 0 is +0: an unextruded side is not -0
       zhi = e->Vars().Number(55);
     } else if (const HostComponent* e = First(ComponentType::SMExtrude)) {
-      zhi = e->Vars().Number(55);
+      // Curved stock stands as wide as its Width; flat stock as its thickness.
+      const VarSlot* width = const_cast<HostComponent*>(e)->Vars().FindByName("Width");
+      zhi = width ? width->num : e->Vars().Number(55);
+    } else if (const HostComponent* f = First(ComponentType::SMForm)) {
+      // A form reaches its depth above (direction 1) or below the sheet.
+      const double depth = f->Vars().Number(2);
+      if (f->Vars().Number(1) == 2.0)
+        zlo = 0.0 - depth;  // 0 - 0 is +0
+      else
+        zhi = depth;
     }
     extend({plo.x, plo.y, std::min(zlo, zhi)});
     extend({phi.x, phi.y, std::max(zlo, zhi)});
@@ -397,11 +411,34 @@ void HostShape::RealignAnchor() {
 void HostShape::Update() { Reevaluate(); }
 
 // Sets up a sheet-metal feature: a sheet-metal extrude gets its extrude and
-// profile components, a part with a sheet-metal component is marked as
-// initialised.  The arguments are accepted and not used.
-void HostShape::Initialize(const Variant&, const Variant&, const Variant&, const Variant&) {
+// profile components, a form shape its form and profile components, a part
+// with a sheet-metal component is marked as initialised.  A sheet-metal
+// extrude takes its stock form as the first argument: curved stock adds the
+// variable "Width" (57) to its extrude component, conic stock the variables
+// "Top Radius", "Bottom Radius" and "Height" (57 to 59); callers find the
+// latter by name.  The other arguments are accepted and not used.
+void HostShape::Initialize(const Variant& form, const Variant&, const Variant&, const Variant&) {
   if (type_ == ShapeType::SMExtrude) {
     if (!First(ComponentType::SMExtrude)) AddComponent(ComponentType::SMExtrude);
+    if (!First(ComponentType::Profile)) AddComponent(ComponentType::Profile);
+    const std::int32_t stock = form.IsMissing() ? StockForm::Flat : ToLong(form);
+    VarTable& vars = First(ComponentType::SMExtrude)->Vars();
+    auto declare = [&](std::int32_t number, const char* name, double initial) {
+      if (vars.Declare(number, VarType::Double, name)) vars.SetNumber(number, initial);
+    };
+    switch (stock) {
+      case StockForm::Flat: break;
+      case StockForm::Curved: declare(57, "Width", 1.0); break;
+      case StockForm::Conic:
+        declare(57, "Top Radius", 0.5);
+        declare(58, "Bottom Radius", 1.0);
+        declare(59, "Height", 1.0);
+        break;
+      default: Raise(Err::InvalidCall, "The host has no sheet-metal stock form " + std::to_string(stock));
+    }
+  }
+  if (type_ == ShapeType::SMForm) {
+    if (!First(ComponentType::SMForm)) AddComponent(ComponentType::SMForm);
     if (!First(ComponentType::Profile)) AddComponent(ComponentType::Profile);
   }
   if (type_ == ShapeType::Bend && !First(ComponentType::SMBend)) AddComponent(ComponentType::SMBend);
@@ -493,11 +530,17 @@ Ref<Object> HostContainerComponent::Shapes(const Variant& kind) {
 
 Ref<HostShape> HostContainerComponent::AddShape(std::int32_t kind) {
   const std::string_view name = ShapeKindName(kind);
-  if (name.empty()) Raise(Err::InvalidCall, "The host has no shape kind " + std::to_string(kind));
+  if (name.empty())
+    Raise(Err::InvalidCall, std::string("The host has no shape kind ") + std::to_string(kind));
   auto* owner = static_cast<HostShape*>(Holder());
   HostPage* page = owner ? owner->OwningPage() : nullptr;
   HostApplication* app = page ? page->App() : nullptr;
   if (!app) RaiseDetached("shape");
+  std::size_t depth = 0;
+  for (const HostShape* up = owner; up; up = up->ParentShape()) ++depth;
+  if (depth > kMaxNesting)
+    Raise(Err::InvalidCall,
+          std::string("Shapes nest at most ") + std::to_string(kMaxNesting) + " levels deep");
   auto s = MakeRef<HostShape>(kind, app->NextSystemID(), std::string(name));
   s->AddComponent(ComponentType::Sizebox);
   s->AddComponent(ComponentType::Position);
@@ -516,6 +559,10 @@ Ref<HostShape> HostContainerComponent::AddShape(std::int32_t kind) {
       s->AddComponent(ComponentType::Profile);
       break;
     case ShapeType::Bend: s->AddComponent(ComponentType::SMBend); break;
+    case ShapeType::SMForm:
+      s->AddComponent(ComponentType::SMForm);
+      s->AddComponent(ComponentType::Profile);
+      break;
     default: break;
   }
   Adopt(s);
@@ -564,7 +611,8 @@ void HostShapeList::Remove(Ref<Object>& shape) {
 }
 
 std::string HostShapeList::JournalName() const {
-  return container_->JournalName() + ".Shapes" + (kind_ ? "(" + std::to_string(kind_) + ")" : std::string());
+  return container_->JournalName() + ".Shapes" +
+         (kind_ ? std::string("(") + std::to_string(kind_) + ")" : std::string());
 }
 
 }  // namespace TessarkAO::RefHost

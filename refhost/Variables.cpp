@@ -24,8 +24,8 @@ bool IsNumberText(std::string_view s) {
 
 double ReferencedValue(const VarSlot& slot, std::string_view component, std::string_view variable) {
   if (slot.type == VarType::String) {
-    Raise(Err::InvalidCall, "the variable " + std::string(component) + (component.empty() ? "" : "\\") +
-                                std::string(variable) + " holds text");
+    Raise(Err::InvalidCall, std::string("the variable ") + std::string(component) +
+                                (component.empty() ? "" : "\\") + std::string(variable) + " holds text");
   }
   return slot.num;
 }
@@ -50,12 +50,13 @@ double Resolve(VarTable& own, HostShape* shape, std::string_view component, std:
         }
       }
     }
-    if (!table) Raise(Err::InvalidCall, "the shape has no component named " + std::string(component));
+    if (!table)
+      Raise(Err::InvalidCall, std::string("the shape has no component named ") + std::string(component));
   }
   VarSlot* slot = LookUp(*table, variable);
   if (!slot) {
-    Raise(Err::InvalidCall, "there is no variable " + std::string(component) + (component.empty() ? "" : "\\") +
-                                std::string(variable));
+    Raise(Err::InvalidCall, std::string("there is no variable ") + std::string(component) +
+                                (component.empty() ? "" : "\\") + std::string(variable));
   }
   return ReferencedValue(*slot, component, variable);
 }
@@ -88,7 +89,8 @@ bool VarSlot::IsInitial() const {
   if (!def) return false;
   if (!Expression().empty()) return false;
   if (type == VarType::String) return !extra || extra->text.empty();
-  return num == def->initial;
+  // Bit for bit, so that a saved -0 comes back as -0.
+  return num == def->initial && std::signbit(num) == std::signbit(def->initial);
 }
 
 VarTable::VarTable(std::span<const VarDef> defs) {
@@ -186,10 +188,9 @@ void AssignSlotExpression(VarSlot& slot, VarTable& table, HostShape* shape, cons
     if (slot.extra) slot.extra->expression.clear();
     return;
   }
-  const double v = EvaluateExpression(
-      text, [&](std::string_view component, std::string_view variable) {
-        return Resolve(table, shape, component, variable);
-      });
+  const double v = EvaluateExpression(text, [&](std::string_view component, std::string_view variable) {
+    return Resolve(table, shape, component, variable);
+  });
   StoreNumber(slot, v);
   slot.Ext().expression = text;
 }

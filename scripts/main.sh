@@ -1,12 +1,24 @@
 #!/usr/bin/env bash
 # Sets up a fresh machine, builds the optimised library and runs the main job:
-# a tool session against the library that prints what it made.
+# add-on tool sessions on the reference host that write what they made into
+# the output folder (default out/): the gear tooth's scene and SVG picture,
+# and a bill of materials exported to .xlsx.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 export CCACHE_BASEDIR="$PWD"
 cmake --preset release >/dev/null
-cmake --build --preset release -j "$(nproc)"
-out="${1:-out}"
+cmake --build --preset release -j "$(nproc)" --target tktools tessarkao_python
+out="$(realpath -m "${1:-out}")"
 mkdir -p "$out"
-./build/release/bin/example_main_job "$out"
+tktools=./build/release/bin/tktools
+
+echo "== gear tooth"
+"$tktools" run examples/gear_tooth.py --save "$out/gear_scene.json" -- "$out"
+echo "  scene: $out/gear_scene.json"
+if [ -f examples/bill_of_materials.py ]; then
+  echo "== bill of materials"
+  "$tktools" run examples/bill_of_materials.py --scene "$out/gear_scene.json" -- "$out"
+fi
+echo "== made"
+ls -l "$out"

@@ -1,5 +1,6 @@
 #include "builders/BuilderSteps.hpp"
 
+#include "automation/AutomationError.hpp"
 #include "host/HostModel.hpp"
 #include "scene/Functions.hpp"
 
@@ -29,6 +30,20 @@ void FinishWithSizebox(const Variant& shape, const std::int16_t (&values)[9]) {
   shape.Call("ResetSizeBox");
   const Variant sizebox = LookupComponent(shape, Component::Sizebox);
   for (int i = 0; i < 9; ++i) Host::LetVariableValue(sizebox, kVariables[i], Variant(values[i]));
+}
+
+Variant SheetMetalContainer(const Variant& parent, const Variant& position) {
+  Variant container = parent;
+  if (Host::TypeOf(parent) == Host::ShapeType::Assembly) {
+    container = AddShape(parent, ShapeKind::Part);
+    Place(position, container, true);
+  }
+  LookupComponent(container, Component::SheetMetalPart);
+  return container;
+}
+
+void RequireAtLeast(double value, double lowest, bool strict) {
+  if (!(strict ? value > lowest : value >= lowest)) Raise(Err::InvalidCall);
 }
 
 Variant ProfilePaths(const Variant& shape) {

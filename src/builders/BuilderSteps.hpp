@@ -30,6 +30,17 @@ constexpr std::int32_t SheetMetalBend = 66;
 constexpr std::int32_t SheetMetalForm = 67;
 }  // namespace Component
 
+// Stock forms a sheet-metal extrude (11) takes as the first argument of its
+// Initialize; flat stock is the host's default when the argument is left out.
+namespace StockForm {
+constexpr std::int32_t Curved = 2;
+constexpr std::int32_t Conic = 3;
+}  // namespace StockForm
+
+// The size-box values Finish sends for sheet-metal features (variable 6
+// receives 1, the host's parameter for sheet-metal stock).
+inline constexpr std::int16_t kSheetMetalSizebox[9] = {1, 1, 1, 1, 0, 0, 0, 1, 0};
+
 // A new shape of `kind` in the shape collection that receives the children of
 // `container` (its group or history component): Shapes(kind).Add.
 Variant AddShape(const Variant& container, std::int16_t kind);
@@ -49,6 +60,18 @@ void Place(const Variant& position, const Variant& shape, bool zeroAfterPlacing)
 // variables 15, 8, 9, 10, 14, 4, 5, 6, 7 in that order with the values given
 // (the host's parameters, sent exactly as listed).
 void FinishWithSizebox(const Variant& shape, const std::int16_t (&values)[9]);
+
+// The container a sheet-metal feature is added to: for a parent of type 1
+// (an assembly) a new part (3) made in it and placed by the builder's
+// position, which is then zeroed; for any other parent the parent itself.
+// Either way the container's sheet-metal part component (62) is looked up,
+// so that a plain part becomes a sheet-metal part.
+Variant SheetMetalContainer(const Variant& parent, const Variant& position);
+
+// Raises 5 (invalid procedure call or argument) unless `value` is at least
+// `lowest` (strictly above it when `strict`): the builders refuse sizes the
+// host cannot build before they reach it.
+void RequireAtLeast(double value, double lowest, bool strict);
 
 // The path collection (Components(3)) of the profile of `shape`'s profile component.
 Variant ProfilePaths(const Variant& shape);

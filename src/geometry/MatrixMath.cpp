@@ -98,14 +98,17 @@ void MultiplyArrays(const Variant& a, const Variant& b, Variant& c) noexcept {
   for (std::int32_t i = 0; i <= ubI; ++i) {
     for (std::int32_t j = 0; j <= ubJ; ++j) {
       double sum = 0.0;
+      bool first = true;
       for (std::int32_t k = 0; k <= ubK; ++k) {
         double x = 0.0, y = 0.0;
         const std::array<std::int32_t, 2> ia = {i, k};
         const bool okA = dimsA == 2 ? ReadElement(A, ia, x) : ReadElement(A, std::span(&k, 1), x);
         const std::array<std::int32_t, 2> ib = {k, j};
         if (!okA || !ReadElement(B, ib, y)) continue;
-        const double next = sum + x * y;
-        if (std::isfinite(next)) sum = next;  // an overflowing term is skipped
+        const double next = first ? x * y : sum + x * y;
+        if (!std::isfinite(next)) continue;  // an overflowing term is skipped
+        sum = next;
+        first = false;
       }
       try {
         if (dimsA == 2)

@@ -185,31 +185,20 @@ bool TKMatrix4d::IsMatrixEqual(Ref<Object> matrix4d) const {
 // ---------------------------------------------------------------------------
 // Products.
 
-Ref<TKVector4d> TKMatrix4d::MultiplyByPoint(Ref<Object> point) const {
+Ref<TKVector4d> TKMatrix4d::Transformed(const Ref<Object>& vector, bool translate) const {
+  Vec4 v{{0.0, 0.0, 0.0, 0.0}};
+  if (const TKVector4d* native = dynamic_cast<const TKVector4d*>(vector.get()))
+    v = native->Components();
+  else
+    TKVector4d::ReadXYZ(vector, v.c[0], v.c[1], v.c[2]);
   auto result = MakeRef<TKVector4d>();
-  if (const TKVector4d* p = dynamic_cast<const TKVector4d*>(point.get())) {
-    MultiplyByPointInto(*p, *result);
-  } else {
-    double x, y, z;
-    TKVector4d::ReadXYZ(point, x, y, z);
-    result->Assign(Vec4{{x, y, z, 0.0}}, kDefaultEpsilon);
-    MultiplyByPointInto(*result, *result);
-  }
+  result->Assign(MatrixMath::TransformChecked(m_, v, translate), kDefaultEpsilon);
   return result;
 }
 
-Ref<TKVector4d> TKMatrix4d::MultiplyByVector(Ref<Object> vector) const {
-  auto result = MakeRef<TKVector4d>();
-  if (const TKVector4d* v = dynamic_cast<const TKVector4d*>(vector.get())) {
-    MultiplyByVectorInto(*v, *result);
-  } else {
-    double x, y, z;
-    TKVector4d::ReadXYZ(vector, x, y, z);
-    result->Assign(Vec4{{x, y, z, 0.0}}, kDefaultEpsilon);
-    MultiplyByVectorInto(*result, *result);
-  }
-  return result;
-}
+Ref<TKVector4d> TKMatrix4d::MultiplyByPoint(Ref<Object> point) const { return Transformed(point, true); }
+
+Ref<TKVector4d> TKMatrix4d::MultiplyByVector(Ref<Object> vector) const { return Transformed(vector, false); }
 
 void TKMatrix4d::MultiplySelfByMatrix(Ref<Object> matrix4d) {
   const Mat4 other = ReadElements(matrix4d);
@@ -609,31 +598,30 @@ void TKMatrix4d::SetRotationFromAxisAndPlaneToXYPlane(Ref<Object> axis,
   SetPlacement(nullptr, R, nullptr);
 }
 
-void TKMatrix4d::SetRotationFromAxisAndPlaneToAxisAndPlane(Ref<Object> fromAxis,
-                                                           Ref<Object> fromPlaneTangent,
-                                                           Ref<Object> toAxis,
-                                                           Ref<Object> toPlaneTangent) {
+bool TKMatrix4d::FrameToFrame(const Ref<Object>& fromAxis, const Ref<Object>& fromPlaneTangent,
+                              const Ref<Object>& toAxis, const Ref<Object>& toPlaneTangent,
+                              Mat4& rotation) const {
   Mat4 from, to;
-  if (!FrameFrom(fromAxis, fromPlaneTangent, from) || !FrameFrom(toAxis, toPlaneTangent, to)) return;
+  if (!FrameFrom(fromAxis, fromPlaneTangent, from) || !FrameFrom(toAxis, toPlaneTangent, to)) return false;
   Mat4 fromT = MatrixMath::Identity();
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) fromT.e[i][j] = from.e[j][i];
-  Mat4 R;
-  MatrixMath::Multiply(fromT, to, R);  // from-frame rows onto the world axes, then onto the to-frame
-  SetPlacement(nullptr, R, nullptr);
+  // The "from" rows onto the world axes, then the world axes onto the "to" rows.
+  MatrixMath::Multiply(fromT, to, rotation);
+  return true;
 }
 
-void TKMatrix4d::SetRotationFromPtAxisAndPlaneToPtAxisAndPlane(
-    Ref<Object> fromPoint, Ref<Object> fromAxis, Ref<Object> fromPlaneTangent,
-    Ref<Object> toPoint, Ref<Object> toAxis, Ref<Object> toPlaneTangent) {
-  Mat4 from, to;
-  if (!FrameFrom(fromAxis, fromPlaneTangent, from) || !FrameFrom(toAxis, toPlaneTangent, to)) return;
-  Mat4 fromT = MatrixMath::Identity();
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) fromT.e[i][j] = from.e[j][i];
+void TKMatrix4d::SetRotationFromAxisAndPlaneToAxisAndPlane(Ref<Object> fromAxis, Ref<Object> fromPlaneTangent,
+                                                           Ref<Object> toAxis, Ref<Object> toPlaneTangent) {
   Mat4 R;
-  MatrixMath::Multiply(fromT, to, R);
-  SetPlacement(&fromPoint, R, &toPoint);
+  if (FrameToFrame(fromAxis, fromPlaneTangent, toAxis, toPlaneTangent, R)) SetPlacement(nullptr, R, nullptr);
+}
+
+void TKMatrix4d::SetRotationFromPtAxisAndPlaneToPtAxisAndPlane(Ref<Object> fromPoint, Ref<Object> fromAxis,
+                                                               Ref<Object> fromPlaneTangent, Ref<Object> toPoint,
+                                                               Ref<Object> toAxis, Ref<Object> toPlaneTangent) {
+  Mat4 R;
+  if (FrameToFrame(fromAxis, fromPlaneTangent, toAxis, toPlaneTangent, R)) SetPlacement(&fromPoint, R, &toPoint);
 }
 
 }  // namespace TessarkAO

@@ -73,10 +73,13 @@ class TKMatrix4d final : public Dispatch<TKMatrix4d> {
   // of the unscaled matrix; the result is then the scaled determinant.
   double Invert();
   // MultiplyByVector(point), then adds the translation row: a point moved by
-  // the whole transform.  The result's W is 0 and its Epsilon 1e-9.
+  // the whole transform.  The result's W is 0 and its Epsilon 1e-9; no
+  // clean-up.
   Ref<TKVector4d> MultiplyByPoint(Ref<Object> point) const;
-  // A new vector (Vx, Vy, Vz) · the upper-left 3×3 block, set through
-  // SetPosition (so cleaned with 1e-9); translation ignored, W 0.
+  // A new vector (Vx, Vy, Vz) · the upper-left 3×3 block, written straight
+  // into its components (no clean-up; a matrix built by the constructors is
+  // itself clean, so quarter turns still give exact zeros); translation
+  // ignored, W 0.
   Ref<TKVector4d> MultiplyByVector(Ref<Object> vector) const;
   // Me = Me · matrix4d; Me takes the product's Epsilon, the default 1e-9.
   void MultiplySelfByMatrix(Ref<Object> matrix4d);
@@ -163,7 +166,8 @@ class TKMatrix4d final : public Dispatch<TKMatrix4d> {
     m_ = m;
     epsilon_ = epsilon;
   }
-  // result = Me · other, with the default Epsilon (MultiplyByMatrix).
+  // result = Me · other, with the default Epsilon (MultiplyByMatrix).  On an
+  // overflow (6) a result other than Me or `other` holds unspecified values.
   void MultiplyByMatrixInto(const TKMatrix4d& other, TKMatrix4d& result) const {
     MatrixMath::MultiplyChecked(m_, other.m_, result.m_);
     result.epsilon_ = kDefaultEpsilon;
@@ -175,22 +179,13 @@ class TKMatrix4d final : public Dispatch<TKMatrix4d> {
   }
   // result = the vector MultiplyByVector would return (W 0, Epsilon 1e-9).
   void MultiplyByVectorInto(const TKVector4d& vector, TKVector4d& result) const {
-    const Vec4& v = vector.Components();
-    double out[3];
-    MatrixMath::MultiplyDirection(v.c[0], v.c[1], v.c[2], m_, out);
-    MatrixMath::RequireFinite(out, 3);
-    MatrixMath::SnapToZero(out, 3, kDefaultEpsilon);
-    result.Assign(Vec4{{out[0], out[1], out[2], 0.0}}, kDefaultEpsilon);
+    result.Assign(MatrixMath::TransformChecked(m_, vector.Components(), false),
+                  kDefaultEpsilon);
   }
   // result = the point MultiplyByPoint would return (W 0, Epsilon 1e-9).
   void MultiplyByPointInto(const TKVector4d& point, TKVector4d& result) const {
-    const Vec4& v = point.Components();
-    double out[3];
-    MatrixMath::MultiplyDirection(v.c[0], v.c[1], v.c[2], m_, out);
-    MatrixMath::SnapToZero(out, 3, kDefaultEpsilon);
-    for (int j = 0; j < 3; ++j) out[j] += m_.e[3][j];
-    MatrixMath::RequireFinite(out, 3);
-    result.Assign(Vec4{{out[0], out[1], out[2], 0.0}}, kDefaultEpsilon);
+    result.Assign(MatrixMath::TransformChecked(m_, point.Components(), true),
+                  kDefaultEpsilon);
   }
 
   // The rotation block of SetRotation before clean-up (the zero matrix for
@@ -211,6 +206,13 @@ class TKMatrix4d final : public Dispatch<TKMatrix4d> {
   // Row i of `frame` is the i-th axis of the orthonormal frame (axis, plane
   // tangent, axis × tangent); false when it cannot be built.
   bool FrameFrom(Ref<Object> axis, Ref<Object> planeTangent, Mat4& frame) const;
+  // The rotation carrying the "from" frame onto the "to" frame; false when
+  // either cannot be built.
+  bool FrameToFrame(const Ref<Object>& fromAxis, const Ref<Object>& fromPlaneTangent,
+                    const Ref<Object>& toAxis, const Ref<Object>& toPlaneTangent, Mat4& rotation) const;
+  // A new vector: (X, Y, Z) of `vector` times the rotation block, plus the
+  // translation row when `translate`.
+  Ref<TKVector4d> Transformed(const Ref<Object>& vector, bool translate) const;
   // Me = T(-from) · R · T(to) with R the rotation block given.
   void SetPlacement(const Ref<Object>* fromPoint, const Mat4& rotation, const Ref<Object>* toPoint);
 

@@ -31,15 +31,16 @@ double InvoluteMath::ArcTanOfRatio(double& x, double& y) {
 
 void TKInvoluteCurve::Describe(ClassBuilder<TKInvoluteCurve>& b) {
   b.Property<&TKInvoluteCurve::GetPoints, &TKInvoluteCurve::LetPoints>("Points")
-      .Property<&TKInvoluteCurve::GetCounterClockwise, &TKInvoluteCurve::LetCounterClockwise>("CounterClockwise")
+      .Property<&TKInvoluteCurve::GetCounterClockwise, &TKInvoluteCurve::LetCounterClockwise>(
+          "CounterClockwise")
       .Property<&TKInvoluteCurve::GetStartAngle, &TKInvoluteCurve::LetStartAngle>("StartAngle")
       .Property<&TKInvoluteCurve::GetCircleRadius, &TKInvoluteCurve::LetCircleRadius>("CircleRadius")
       .Method<&TKInvoluteCurve::GetPointFromAngle>("GetPointFromAngle", Names{"Angle", "X", "Y"})
       .Method<&TKInvoluteCurve::GetAngleFromInvoluteHeight>("GetAngleFromInvoluteHeight", Names{"Height"})
       .Method<&TKInvoluteCurve::GetPointAngleFromInvoluteHeight>("GetPointAngleFromInvoluteHeight",
                                                                  Names{"Height"})
-      .Method<&TKInvoluteCurve::GetRequiredArcLengthForInvoluteHeight>("GetRequiredArcLengthForInvoluteHeight",
-                                                                       Names{"Height"})
+      .Method<&TKInvoluteCurve::GetRequiredArcLengthForInvoluteHeight>(
+          "GetRequiredArcLengthForInvoluteHeight", Names{"Height"})
       .Method<&TKInvoluteCurve::GetCalculatedPointFromIndex>("GetCalculatedPointFromIndex",
                                                              Names{"Index", "X", "Y"})
       .Method<&TKInvoluteCurve::CalculatePointsThroughAngle>("CalculatePointsThroughAngle", Names{"Angle"})
@@ -99,7 +100,8 @@ void TKInvoluteCurve::CalculatePointsThroughAngle(double angle) {
   // Evenly spaced in the unwinding angle: angle / (n - 1) * (i - 1), the
   // division first.  One point (n = 1) divides by zero.
   for (std::int32_t i = 1; i <= n; ++i) {
-    const double t = Checked::Mul(Checked::Div(angle, static_cast<double>(n - 1)), static_cast<double>(i - 1));
+    const double t =
+        Checked::Mul(Checked::Div(angle, static_cast<double>(n - 1)), static_cast<double>(i - 1));
     Row& row = table_[static_cast<std::size_t>(i) - 1];
     GetPointFromAngle(t, row[0], row[1]);
   }
@@ -148,7 +150,7 @@ void TKInvoluteCurve::DrawInvolute(Ref<Object> path, bool counterClockwise) {
   const Variant curve = Variant(std::move(path)).Invoke("AddBSplineTo", CallKind::Method, endArgs);
 
   Variant fitPoints(std::move(table));
-  std::array<Variant, 6> args = {Variant(kFitPointDegree), Variant(false),    Variant(false),
+  std::array<Variant, 6> args = {Variant(kFitPointDegree),  Variant(false),     Variant(false),
                                  Variant::ByRef(fitPoints), Variant::Nothing(), Variant::Nothing()};
   curve.Invoke("SetDefinitionByFitPoints", CallKind::Method, args);
 }

@@ -9,8 +9,8 @@
 #include "profiles/TKProfile.hpp"
 
 #include <array>
-#include <span>
 #include <cmath>
+#include <span>
 #include <utility>
 
 #include "automation/Catalogue.hpp"
@@ -50,7 +50,7 @@ struct Reader {
 
   // A variable driven by an expression is converted from page units to system
   // length units; a plain value is taken as it stands.  The asymmetry is
-  // intended: the host reports expression results in page units.
+  // intended and callers rely on it.
   double ReadVariableInSystemUnits(const Variant& variable) {
     if (ToString(variable.Get("Expression")).empty()) return ToDouble(variable.Get("Value"));
     Variant value = variable.Get("Value");
@@ -66,7 +66,8 @@ void ReadBSpline(const Variant& c, TKCurve& k) {
   k.LetBSplinePeriodic(ToBoolean(c.Get("Periodic")));
   k.LetBSplineDegree(ToLong(c.Get("Degree")));
 
-  auto readPoints = [&](std::string_view countName, std::string_view getName, auto let, auto count, auto set) {
+  auto readPoints = [&](std::string_view countName, std::string_view getName, auto let, auto count,
+                        auto set) {
     (k.*let)(ToLong(c.Get(countName)));
     const std::int32_t n = (k.*count)();
     for (std::int32_t i = 1; i <= n; ++i) {
@@ -76,7 +77,8 @@ void ReadBSpline(const Variant& c, TKCurve& k) {
       (k.*set)(i, ToDouble(x), ToDouble(y));
     }
   };
-  auto readValues = [&](std::string_view countName, std::string_view getName, auto let, auto count, auto set) {
+  auto readValues = [&](std::string_view countName, std::string_view getName, auto let, auto count,
+                        auto set) {
     (k.*let)(ToLong(c.Get(countName)));
     const std::int32_t n = (k.*count)();
     for (std::int32_t i = 1; i <= n; ++i) (k.*set)(i, ToDouble(c.Call(getName, i)));
@@ -101,20 +103,23 @@ struct FieldRead {
 
 std::span<const FieldRead> FieldsOfType(std::int32_t type) {
   using K = TKCurve;
-  static constexpr FieldRead kFillet[] = {{1, &K::LetX, false},       {2, &K::LetY, false},
-                                          {3, &K::LetRadius, false},  {5, &K::LetCenterX, false},
+  static constexpr FieldRead kFillet[] = {{1, &K::LetX, false},
+                                          {2, &K::LetY, false},
+                                          {3, &K::LetRadius, false},
+                                          {5, &K::LetCenterX, false},
                                           {6, &K::LetCenterY, false}};
-  static constexpr FieldRead kLine[] = {{1, &K::LetX, true},
-                                        {2, &K::LetY, true},
-                                        {9, &K::LetStartTrim, false},
-                                        {10, &K::LetEndTrim, false}};
-  static constexpr FieldRead kArc[] = {{1, &K::LetX, false},         {2, &K::LetY, false},
-                                       {3, &K::LetStartTrim, false}, {4, &K::LetEndTrim, false},
-                                       {8, &K::LetAngleMajor, false}, {9, &K::LetHFactor, false},
+  static constexpr FieldRead kLine[] = {
+      {1, &K::LetX, true}, {2, &K::LetY, true}, {9, &K::LetStartTrim, false}, {10, &K::LetEndTrim, false}};
+  static constexpr FieldRead kArc[] = {{1, &K::LetX, false},
+                                       {2, &K::LetY, false},
+                                       {3, &K::LetStartTrim, false},
+                                       {4, &K::LetEndTrim, false},
+                                       {8, &K::LetAngleMajor, false},
+                                       {9, &K::LetHFactor, false},
                                        {10, &K::LetEccentricity, false}};
-  static constexpr FieldRead kBezier[] = {{1, &K::LetX, true},        {2, &K::LetY, true},
-                                          {3, &K::LetTan1X, true},    {4, &K::LetTan1Y, true},
-                                          {5, &K::LetTan2X, true},    {6, &K::LetTan2Y, true},
+  static constexpr FieldRead kBezier[] = {{1, &K::LetX, true},         {2, &K::LetY, true},
+                                          {3, &K::LetTan1X, true},     {4, &K::LetTan1Y, true},
+                                          {5, &K::LetTan2X, true},     {6, &K::LetTan2Y, true},
                                           {9, &K::LetStartTrim, true}, {10, &K::LetEndTrim, true}};
   // The ellipse's centre goes to CenterX/CenterY, not to X/Y; its minor
   // value (variable 9) is read unit-aware on its own.
@@ -161,7 +166,8 @@ void WriteBSpline(const Variant& p, const TKCurve& k) {
   auto vector = [](std::int32_t count, double (TKCurve::*get)(std::int32_t) const, const TKCurve& curve) {
     const std::int32_t n = std::max(count, 0);
     SafeArray a = SafeArray::Vector(VarType::Double, 1, n);
-    for (std::int32_t i = 1; i <= n; ++i) a.Data()[static_cast<std::size_t>(i - 1)] = Variant((curve.*get)(i));
+    for (std::int32_t i = 1; i <= n; ++i)
+      a.Data()[static_cast<std::size_t>(i - 1)] = Variant((curve.*get)(i));
     return a;
   };
   Variant controlPoints(std::move(cp));
@@ -203,7 +209,8 @@ void TKProfile::Describe(ClassBuilder<TKProfile>& b) {
       .Get<&TKProfile::NumberOfOutlines>("NumberOfOutlines")
       .Method<&TKProfile::AddOutline>("AddOutline")
       .Method<&TKProfile::GetOutline>("GetOutline", Names{"lngIndex"})
-      .Method<&TKProfile::DeparameterizeProfile>("DeparameterizeProfile", Names{"objPathComponents", "eOptions"},
+      .Method<&TKProfile::DeparameterizeProfile>("DeparameterizeProfile",
+                                                 Names{"objPathComponents", "eOptions"},
                                                  Opt{Variant(std::int32_t{TKDeparameterizeAll})})
       .Method<&TKProfile::GetProfileFromPaths>("GetProfileFromPaths", Names{"objPathComponents"})
       .Method<&TKProfile::SetProfileData>("SetProfileData", Names{"objPathComponents"})
@@ -280,15 +287,9 @@ void TKProfile::SetProfileData(Ref<Object> pathComponents) {
     for (const Ref<TKCurve>& k : curves) {
       ++j;
       switch (k->GetCurveType()) {
-        case TKCurveType_Fillet:
-          fillets.emplace_back(j, k->GetRadius());
-          break;
-        case TKCurveType_Line:
-          p.Call("AddLineTo", k->GetX(), k->GetY());
-          break;
-        case TKCurveType_Arc:
-          p.Call("AddArcTo", k->GetX(), k->GetY(), k->GetHFactor());
-          break;
+        case TKCurveType_Fillet: fillets.emplace_back(j, k->GetRadius()); break;
+        case TKCurveType_Line: p.Call("AddLineTo", k->GetX(), k->GetY()); break;
+        case TKCurveType_Arc: p.Call("AddArcTo", k->GetX(), k->GetY(), k->GetHFactor()); break;
         case TKCurveType_Bezier:
           p.Call("AddSplineTo", k->GetX(), k->GetY(), k->GetTan1X(), k->GetTan1Y(), k->GetTan2X(),
                  k->GetTan2Y());
@@ -306,11 +307,8 @@ void TKProfile::SetProfileData(Ref<Object> pathComponents) {
                    k->GetYPtOnCurve());
           }
           break;
-        case TKCurveType_BSpline:
-          WriteBSpline(p, *k);
-          break;
-        default:
-          break;
+        case TKCurveType_BSpline: WriteBSpline(p, *k); break;
+        default: break;
       }
     }
     p.Let("Construction", o->GetConstruction());
@@ -326,8 +324,8 @@ void TKProfile::DeparameterizeProfile(Ref<Object> pathComponents, TKDeparameteri
   if (options != TKDeparameterizeAll && options != TKDeparameterizeXAxis && options != TKDeparameterizeYAxis)
     return;
   auto selected = [options](Axis axis) {
-    return axis != Axis::None && (options == TKDeparameterizeAll ||
-                                  axis == (options == TKDeparameterizeXAxis ? Axis::X : Axis::Y));
+    return axis != Axis::None &&
+           (options == TKDeparameterizeAll || axis == (options == TKDeparameterizeXAxis ? Axis::X : Axis::Y));
   };
   const Variant paths(std::move(pathComponents));
   const std::int32_t count = ToLong(paths.Get("Count"));

@@ -58,7 +58,14 @@ class TKProfile final : public Dispatch<TKProfile> {
   Ref<TKOutline> GetOutline(std::int32_t index) const;
 
   // Fixes the coordinate variables of the given host paths at their current
-  // values, all of them or only the X or only the Y coordinates.
+  // values (each Value read and assigned back, which drops its expression),
+  // all of them or only the X or only the Y coordinates.  The coordinates are
+  // the point fields of the reading table: the start point (curve 0, X 1,
+  // Y 2); a fillet's corner (1, 2) and centre (5, 6); the end point (1, 2) of
+  // lines, arcs and B-splines; a Bezier's end and tangent points (1 to 6); an
+  // ellipse's centre (1, 2) and point on the curve (3, 4).  Radii, trims,
+  // angles and factors keep their expressions.  Any other option value fixes
+  // nothing.
   void DeparameterizeProfile(Ref<Object> pathComponents, TKDeparameterizeOptions options);
   // Replaces the content with the paths of the collection; returns this profile.
   Ref<TKProfile> GetProfileFromPaths(Ref<Object> pathComponents);

@@ -47,7 +47,7 @@ class TKColumn final : public Dispatch<TKColumn> {
   // element is visited); 0 when none.  Strings are compared trimmed and
   // lower-cased.  A StartingIndex below 1 on a typed column with elements
   // raises 9.
-  std::int32_t Find(const Variant& value, std::int32_t startingIndex);
+  std::int32_t Find(const Variant& value, std::int32_t startingIndex = 1);
   bool IsFirstValueGreater(std::int32_t index1, std::int32_t index2) const;
   // First element index of span number `index`, or 0.
   std::int32_t SpanIndex(std::int32_t index) const;

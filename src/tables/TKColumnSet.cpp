@@ -146,8 +146,11 @@ Ref<TK2DArray> TKColumnSet::GetSpanInformation(std::int32_t column) { return ToA
 Ref<TK2DArray> TKColumnSet::GetSpanInformationWithSpanContext(std::int32_t column, Ref<TK2DArray> span) {
   if (!ValidColumn(column)) return MakeRef<TK2DArray>();
   if (!span) Raise(Err::ObjectNotSet);
-  SpanTable context;
-  for (std::int32_t r = 1; r <= span->Rows(); ++r) context.push_back({span->GetValue(r, 1), span->GetValue(r, 2)});
+  const std::int32_t rows = span->Rows();
+  if (rows > 0) Tables::CheckElementCount(std::int64_t{rows} * 2);  // a row count without values
+  SpanTable context(static_cast<std::size_t>(std::max(rows, 0)));
+  for (std::int32_t r = 1; r <= rows; ++r)
+    context[static_cast<std::size_t>(r - 1)] = {span->GetValue(r, 1), span->GetValue(r, 2)};
   return ToArray(RefineBy(column, context));
 }
 

@@ -33,7 +33,7 @@ class TKTreeNode final : public Dispatch<TKTreeNode> {
   // A new last child.
   Ref<TKTreeNode> AddNode();
   // The number of children, or with IncludeSubNodes of all descendants.
-  std::int32_t Nodes(bool includeSubNodes) const;
+  std::int32_t Nodes(bool includeSubNodes = false) const;
   // Child `index` (from 1), or Nothing.
   Ref<TKTreeNode> Node(std::int32_t index) const;
   // The first child from StartIndex on whose value under DataID matches
@@ -42,7 +42,7 @@ class TKTreeNode final : public Dispatch<TKTreeNode> {
   // design).  Nothing when none matches.  Only direct children are searched.
   // 9 for a StartIndex below 1 when there are children to search; 13 when
   // array values would be compared.
-  Ref<TKTreeNode> GetNodeWithData(std::int32_t dataID, const Variant& dataValue, std::int32_t startIndex) const;
+  Ref<TKTreeNode> GetNodeWithData(std::int32_t dataID, const Variant& dataValue, std::int32_t startIndex = 1) const;
   // Stores pData under ID (replacing a value stored there); always True.
   bool SetData(std::int32_t id, const Variant& pData);
   bool DataExists(std::int32_t id) const;
@@ -52,7 +52,7 @@ class TKTreeNode final : public Dispatch<TKTreeNode> {
   std::int32_t Index() const;
   // How many children (with IncludeSubNodes: descendants) match as for
   // GetNodeWithData.
-  std::int32_t NodesWithData(std::int32_t dataID, const Variant& dataValue, bool includeSubNodes) const;
+  std::int32_t NodesWithData(std::int32_t dataID, const Variant& dataValue, bool includeSubNodes = false) const;
 
  private:
   struct Tree;

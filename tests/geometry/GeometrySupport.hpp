@@ -87,26 +87,26 @@ struct Random {
 
 // ---- Literal models ---------------------------------------------------------
 
-// C(i, j) = sum over k = 0..3 of A(i, k) · B(k, j), from an accumulator of 0.
+// C(i, j) = sum over k = 0..3 of A(i, k) · B(k, j), left to right.
 inline Mat4 LiteralProduct(const Mat4& a, const Mat4& b) {
   Mat4 c;
   for (int i = 0; i < 4; ++i)
     for (int j = 0; j < 4; ++j) {
-      double sum = 0.0;
-      for (int k = 0; k < 4; ++k) sum = sum + a.e[i][k] * b.e[k][j];
+      double sum = a.e[i][0] * b.e[0][j];
+      for (int k = 1; k < 4; ++k) sum = sum + a.e[i][k] * b.e[k][j];
       c.e[i][j] = sum;
     }
   return c;
 }
 
-// MultiplyByVector: (X, Y, Z) · 3×3 block, set through SetPosition (cleaned
-// with 1e-9); MultiplyByPoint then adds the translation row.
+// MultiplyByVector: (X, Y, Z) · 3×3 block; MultiplyByPoint then adds the
+// translation row.
 inline Vec4 LiteralPoint(const Mat4& m, const Vec4& p, bool addTranslation) {
   Vec4 r{{0.0, 0.0, 0.0, 0.0}};
   for (int j = 0; j < 3; ++j) {
-    double sum = 0.0;
-    for (int k = 0; k < 3; ++k) sum = sum + p.c[k] * m.e[k][j];
-    r.c[j] = std::abs(sum) < 1e-9 ? 0.0 : sum;
+    double sum = p.c[0] * m.e[0][j];
+    for (int k = 1; k < 3; ++k) sum = sum + p.c[k] * m.e[k][j];
+    r.c[j] = sum;
   }
   if (addTranslation)
     for (int j = 0; j < 3; ++j) r.c[j] = r.c[j] + m.e[3][j];

@@ -74,7 +74,12 @@ TEST(Matrix, ConstructorsAndTheirComposition) {
 TEST(Matrix, ProductsEqualTheLiteralSumsBitForBit) {
   Random rnd(7);
   for (int n = 0; n < 300; ++n) {
-    const Mat4 a = rnd.Matrix(), b = rnd.Matrix();
+    Mat4 a = rnd.Matrix(), b = rnd.Matrix();
+    if (n % 3 == 0) {  // zeros and negative zeros take part too
+      a.e[1][0] = -1.0;
+      a.e[1][1] = a.e[1][2] = a.e[1][3] = 0.0;
+      b.e[0][2] = 0.0;
+    }
     const Mat4 expected = LiteralProduct(a, b);
     auto ma = Mat(a);
     EXPECT_TRUE(Same(ma->MultiplyByMatrix(Mat(b))->Elements(), expected));
@@ -88,7 +93,7 @@ TEST(Matrix, ProductsEqualTheLiteralSumsBitForBit) {
     MatrixMath::ReadMatrixArray(c, fromArrays);
     EXPECT_TRUE(Same(fromArrays, expected));
 
-    // Points: some rows of zeros make components land on the clean-up.
+    // Points, with zeros in the matrix and in the point taking part.
     Mat4 sparse = a;
     sparse.e[n % 3][0] = 0.0;
     const Vec4 p{{rnd.Uniform(-5, 5), n % 2 ? 0.0 : 1e-12, rnd.Uniform(-5, 5), 1.0}};

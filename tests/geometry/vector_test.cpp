@@ -109,8 +109,8 @@ TEST(Vector, ProductsMatchTheLiteralSum) {
     else
       v->Rotate(axis, degrees);
     for (int j = 0; j < 4; ++j) {
-      double sum = 0.0;
-      for (int k = 0; k < 4; ++k) sum = sum + before.c[k] * m.Elements().e[k][j];
+      double sum = before.c[0] * m.Elements().e[0][j];
+      for (int k = 1; k < 4; ++k) sum = sum + before.c[k] * m.Elements().e[k][j];
       EXPECT_EQ(v->Components().c[j], std::abs(sum) < 1e-9 ? 0.0 : sum);
     }
   }

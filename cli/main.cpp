@@ -1,0 +1,77 @@
+// tktools: the library from the shell.
+//
+//     tktools <command> [arguments]      tktools <command> --help
+//
+// Exit status: 0 done, 1 the command failed, 2 it was called wrongly.  Every
+// failure is reported as one line on stderr, "tktools <command>: <reason>".
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "Command.hpp"
+
+namespace TessarkAO::Cli {
+int RunScript(const std::vector<std::string>& args);
+extern const std::string_view kRunUsage;
+}  // namespace TessarkAO::Cli
+
+namespace {
+
+using namespace TessarkAO::Cli;
+
+const Command kCommands[] = {
+    {"run", "run a Python script with the library and a reference-host scene", kRunUsage, &RunScript},
+};
+
+void PrintOverview(std::FILE* out) {
+  std::fprintf(out,
+               "usage: tktools <command> [arguments]\n"
+               "\n"
+               "The TessarkAO automation library from the shell.\n"
+               "\n"
+               "commands:\n");
+  for (const Command& c : kCommands)
+    std::fprintf(out, "  %-16.*s %.*s\n", static_cast<int>(c.name.size()), c.name.data(),
+                 static_cast<int>(c.summary.size()), c.summary.data());
+  std::fprintf(out, "\n'tktools <command> --help' describes a command.\n");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.empty()) {
+    PrintOverview(stderr);
+    return 2;
+  }
+  if (args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
+    PrintOverview(stdout);
+    return 0;
+  }
+  const Command* command = nullptr;
+  for (const Command& c : kCommands)
+    if (c.name == args[0]) command = &c;
+  if (!command) {
+    std::fprintf(stderr, "tktools: unknown command '%s' (see tktools --help)\n", args[0].c_str());
+    return 2;
+  }
+  args.erase(args.begin());
+  for (const std::string& a : args) {
+    if (a == "--") break;
+    if (a == "--help" || a == "-h") {
+      std::printf("%.*s", static_cast<int>(command->usage.size()), command->usage.data());
+      return 0;
+    }
+  }
+  const std::string name(command->name);
+  try {
+    return command->run(args);
+  } catch (const UsageError& e) {
+    std::fprintf(stderr, "tktools %s: %s (see tktools %s --help)\n", name.c_str(), e.what(), name.c_str());
+    return 2;
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "tktools %s: %s\n", name.c_str(), e.what());
+    return 1;
+  }
+}

@@ -1,0 +1,45 @@
+"""The examples, run through tktools as the main job runs them."""
+import os
+import subprocess
+import xml.etree.ElementTree as ET
+
+import pytest
+
+TKTOOLS = os.environ.get("TESSARKAO_TKTOOLS", "")
+EXAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "examples")
+pytestmark = pytest.mark.skipif(not os.path.exists(TKTOOLS), reason="tktools was not built")
+
+
+def run(script, *args):
+    r = subprocess.run([TKTOOLS, "run", os.path.join(EXAMPLES, script), *args],
+                       capture_output=True, text=True, timeout=300)
+    assert r.returncode == 0, r.stdout + r.stderr
+    return r.stdout
+
+
+def test_gear_tooth_builds_a_feature_and_draws_it(tmp_path):
+    scene = tmp_path / "scene.json"
+    out = run("gear_tooth.py", "--save", str(scene), "--", str(tmp_path))
+    assert "feature 'Gear tooth' at Scene1//" in out
+    assert "closed: True" in out
+    svg = ET.parse(tmp_path / "gear_tooth.svg").getroot()
+    polygon = svg.find("{http://www.w3.org/2000/svg}polygon")
+    points = polygon.get("points").split()
+    # Root, 12 points per flank, root again.
+    assert len(points) == 26
+    assert scene.exists() and "Gear tooth" in scene.read_text()
+
+
+def test_bill_of_materials_is_sorted_and_exported(tmp_path):
+    openpyxl = pytest.importorskip("openpyxl")
+    scene = tmp_path / "scene.json"
+    run("gear_tooth.py", "--save", str(scene), "--", str(tmp_path))
+    out = run("bill_of_materials.py", "--scene", str(scene), "--", str(tmp_path))
+    assert "sorted: True" in out
+    book = openpyxl.load_workbook(tmp_path / "bill_of_materials.xlsx")
+    sheet = book.active
+    assert [c.value for c in sheet[1]] == ["Type", "Name", "Level"]
+    assert sheet["A1"].font.b
+    types = [sheet.cell(row=r, column=1).value for r in range(2, sheet.max_row + 1)]
+    assert types == sorted(types, key=str.lower)
+    assert "Extrude" in types and "Part" in types

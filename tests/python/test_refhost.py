@@ -1,0 +1,72 @@
+"""tk.refhost: the reference host driven through the module."""
+import json
+
+import pytest
+
+import tessarkao as tk
+
+pytestmark = pytest.mark.skipif(not hasattr(tk, "refhost"), reason="built without the reference host")
+
+
+def add_part(app):
+    root = app.ActivePage.Shape
+    return root.Components(2).Item(1).Shapes(3).Add()
+
+
+def test_a_new_scene_is_one_empty_page():
+    app = tk.refhost.new_application()
+    page = app.ActivePage
+    assert (app.Name, page.Name, app.Pages.Count) == ("Tessark", "Scene1", 1)
+    assert page.Shape.Name == "" and page.Shape.Parent is None
+    assert tk.same(app.Pages(1), page) and tk.same(app.Pages["Scene1"], page)
+
+
+def test_host_members_are_reached_through_proxies(raises_number):
+    app = tk.refhost.new_application()
+    part = add_part(app)
+    part.Name = "Part"
+    position = part.Components(4).Item(1)
+    position.Variable(1).Value = 25.0
+    assert position.Variable(1).Value == 25.0
+    assert part.Parent.Name == "" and tk.same(part.Page, app.ActivePage)
+    assert raises_number(lambda: part.NoSuchMember) == 438
+    assert raises_number(part.Components(4).Item, 9) == 9
+    assert raises_number(lambda: app.ActivePage.UnitsScale(3)) == 5
+
+
+def test_scenes_round_trip_through_text_and_files(tmp_path, raises_number):
+    app = tk.refhost.new_application()
+    add_part(app).Name = "Bracket"
+    text = tk.refhost.dumps(app)
+    assert json.loads(text)["pages"][0]["name"] == "Scene1"
+    again = tk.refhost.loads(text)
+    assert tk.refhost.dumps(again) == text
+    path = tmp_path / "scene.json"
+    tk.refhost.save(again, str(path))
+    loaded = tk.refhost.load(str(path))
+    assert loaded.ActivePage.Shape.Components(2).Item(1).Shapes(3).Count == 1
+    assert tk.refhost.dumps(loaded) == text
+    assert raises_number(tk.refhost.load, str(tmp_path / "none.json")) == 53
+    with pytest.raises(tk.AutomationError) as e:
+        tk.refhost.loads('{"format": "tessarkao-scene", "pages": [')
+    assert e.value.number == 321 and e.value.description
+    assert raises_number(tk.refhost.dumps, tk.CreateObject("TessarkAO.Localizer")) == 13
+
+
+def test_the_journal_records_the_calls_made_through_the_module():
+    app = tk.refhost.new_application()
+    page = app.ActivePage
+    tk.refhost.journal_clear()
+    tk.refhost.journal_start()
+    try:
+        page.Name = "Renamed"
+        page.UnitsScale(2)
+    finally:
+        tk.refhost.journal_stop()
+    entries = tk.refhost.journal()
+    assert [(e.member, e.kind) for e in entries] == [("Name", tk.LET), ("UnitsScale", tk.GET)]
+    assert entries[0].args == ("Renamed",) and entries[1].args == (2,)
+    assert entries[0].object == tk.refhost.name_of(page)
+    assert len(tk.refhost.journal_text().splitlines()) == 2
+    tk.refhost.journal_clear()
+    assert tk.refhost.journal() == [] and not tk.refhost.journal_on()

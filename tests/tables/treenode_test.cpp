@@ -1,0 +1,143 @@
+// TKTreeNode: structure, keyed data and search, node identity, and the
+// lifetime of a tree (alive while any node is held, freed with the last).
+#include <gtest/gtest.h>
+
+#include "TableTestUtil.hpp"
+#include "tables/TKTreeNode.hpp"
+
+using namespace TessarkAO;
+using namespace TessarkAO::TestUtil;
+
+namespace {
+
+// Counts its own destruction.
+class Canary final : public Dispatch<Canary> {
+ public:
+  static constexpr std::string_view kClassName = "Canary";
+  static void Describe(ClassBuilder<Canary>&) {}
+  explicit Canary(int& gone) : gone_(gone) {}
+  ~Canary() override { ++gone_; }
+
+ private:
+  int& gone_;
+};
+
+}  // namespace
+
+TEST(TreeNode, StructureAndIdentity) {
+  auto root = MakeRef<TKTreeNode>();
+  Ref<TKTreeNode> a = root->AddNode();
+  Ref<TKTreeNode> b = root->AddNode();
+  for (int i = 0; i < 3; ++i) a->AddNode();
+  EXPECT_EQ(root->Nodes(), 2);
+  EXPECT_EQ(root->Nodes(true), 5);
+  EXPECT_EQ(a->Nodes(true), 3);
+  EXPECT_EQ(b->Nodes(true), 0);
+  EXPECT_EQ(b->Index(), 2);
+  EXPECT_EQ(root->Index(), 0);
+  EXPECT_TRUE(root->Parent() == nullptr);
+  EXPECT_TRUE(root->Node(0) == nullptr);
+  EXPECT_TRUE(root->Node(3) == nullptr);
+  // The same node is the same object, however it is reached.
+  EXPECT_EQ(root->Node(2).get(), b.get());
+  EXPECT_EQ(a->Node(3)->Parent().get(), a.get());
+  EXPECT_EQ(a->Parent().get(), root.get());
+  EXPECT_EQ(a->Node(3)->Index(), 3);
+}
+
+TEST(TreeNode, DataAndSearch) {
+  auto root = MakeRef<TKTreeNode>();
+  std::vector<Ref<TKTreeNode>> kids;
+  for (int i = 0; i < 4; ++i) kids.push_back(root->AddNode());
+  auto marker = MakeRef<TKColumn>();
+  EXPECT_TRUE(kids[0]->SetData(7, Variant(std::int16_t{3})));
+  kids[1]->SetData(7, Variant(3));
+  kids[2]->SetData(7, Variant(3));
+  kids[3]->SetData(7, Variant(marker));
+  kids[3]->SetData(8, Variant("x"));
+  EXPECT_TRUE(kids[3]->SetData(8, Variant("y")));  // replaces
+  EXPECT_EQ(kids[3]->GetData(8).AsString(), "y");
+  EXPECT_TRUE(kids[3]->GetData(9).IsEmpty());
+  EXPECT_FALSE(kids[3]->DataExists(9));
+  EXPECT_EQ(kids[3]->GetData(7).AsObject().get(), marker.get());
+  // The variant types must be the same: a 16-bit 3 is not a 32-bit 3.
+  EXPECT_EQ(root->GetNodeWithData(7, Variant(3)).get(), kids[1].get());
+  EXPECT_EQ(root->GetNodeWithData(7, Variant(3), 3).get(), kids[2].get());
+  EXPECT_EQ(root->GetNodeWithData(7, Variant(std::int16_t{3})).get(), kids[0].get());
+  EXPECT_TRUE(root->GetNodeWithData(7, Variant(3.0)) == nullptr);
+  EXPECT_EQ(root->GetNodeWithData(7, Variant(marker)).get(), kids[3].get());
+  EXPECT_TRUE(root->GetNodeWithData(7, Variant(MakeRef<TKColumn>())) == nullptr);  // identity, not content
+  EXPECT_TRUE(root->GetNodeWithData(7, Variant(3), 9) == nullptr);
+  EXPECT_EQ(ErrorOf([&] { root->GetNodeWithData(7, Variant(3), 0); }), 9);
+  EXPECT_EQ(root->NodesWithData(7, Variant(3)), 2);
+  kids[1]->AddNode()->SetData(7, Variant(3));
+  EXPECT_EQ(root->NodesWithData(7, Variant(3)), 2);
+  EXPECT_EQ(root->NodesWithData(7, Variant(3), true), 3);
+  // Arrays do not compare; Null never equals.
+  kids[0]->SetData(1, Variant(SafeArray::Vector(VarType::Long, 0, 1)));
+  EXPECT_EQ(ErrorOf([&] { root->GetNodeWithData(1, Variant(SafeArray::Vector(VarType::Long, 0, 1))); }), 13);
+  kids[0]->SetData(2, Variant::Null());
+  EXPECT_TRUE(root->GetNodeWithData(2, Variant::Null()) == nullptr);
+  // Many identifiers on one node.
+  for (std::int32_t id = 100; id < 200; ++id) kids[2]->SetData(id, Variant(id * 2));
+  for (std::int32_t id = 100; id < 200; ++id) ASSERT_EQ(kids[2]->GetData(id).AsLong(), id * 2);
+  kids[2]->SetData(150, Variant(-1));
+  EXPECT_EQ(kids[2]->GetData(150).AsLong(), -1);
+  EXPECT_EQ(kids[2]->GetData(7).AsLong(), 3);
+}
+
+TEST(TreeNode, AnyHeldNodeKeepsTheTreeAndTheLastReleaseFreesIt) {
+  int gone = 0;
+  Ref<TKTreeNode> grandchild;
+  {
+    auto root = MakeRef<TKTreeNode>();
+    root->SetData(1, Variant(MakeRef<Canary>(gone)));
+    grandchild = root->AddNode()->AddNode();
+    grandchild->SetData(1, Variant(MakeRef<Canary>(gone)));
+  }
+  EXPECT_EQ(gone, 0);
+  // The whole tree is reachable from the grandchild.
+  Ref<TKTreeNode> root = grandchild->Parent()->Parent();
+  ASSERT_TRUE(root);
+  EXPECT_TRUE(root->GetData(1).IsObject());
+  EXPECT_EQ(root->Nodes(true), 2);
+  root.reset();
+  grandchild.reset();
+  EXPECT_EQ(gone, 2);
+
+  // Nodes of another tree held as data keep only that tree alive.
+  gone = 0;
+  {
+    auto top = MakeRef<TKTreeNode>();
+    Ref<TKTreeNode> child = top->AddNode();
+    child->SetData(1, Variant(MakeRef<Canary>(gone)));
+    top->SetData(2, Variant(MakeRef<TKTreeNode>()));  // a node of another tree
+    child->SetData(3, Variant(top->GetData(2)));
+  }
+  EXPECT_EQ(gone, 1);
+}
+
+TEST(TreeNode, DeepTreesAreCountedWithoutRecursion) {
+  auto root = MakeRef<TKTreeNode>();
+  Ref<TKTreeNode> node = root;
+  for (int i = 0; i < 60000; ++i) {
+    node = node->AddNode();
+    if (i % 2 == 0) node->SetData(5, Variant(1));
+  }
+  EXPECT_EQ(root->Nodes(true), 60000);
+  EXPECT_EQ(root->NodesWithData(5, Variant(1), true), 30000);
+}
+
+TEST(TreeNode, MembersThroughLateBoundCalls) {
+  Ref<Object> root = CreateObject("TessarkAO.TKTreeNode");
+  Variant child = Invoke(root, "AddNode", CallKind::Method);
+  child.Call("SetData", 4, std::string("v"));
+  EXPECT_EQ(Invoke(root, "Nodes", CallKind::Get).AsLong(), 1);
+  EXPECT_EQ(Invoke(root, "NodesWithData", CallKind::Get, {Variant(4), Variant("v")}).AsLong(), 1);
+  EXPECT_TRUE(Invoke(root, "GetNodeWithData", CallKind::Method, {Variant(4), Variant("V")}).IsNothing());
+  EXPECT_EQ(ErrorOf([&] { Invoke(root, "Node", CallKind::Get); }), 449);
+  std::vector<std::string> names;
+  for (const auto& m : TKTreeNode::StaticClass().Members()) names.push_back(m.name);
+  EXPECT_EQ(names, (std::vector<std::string>{"Parent", "AddNode", "Nodes", "Node", "GetNodeWithData", "SetData",
+                                             "DataExists", "GetData", "Index", "NodesWithData"}));
+}

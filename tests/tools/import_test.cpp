@@ -1,0 +1,353 @@
+// B-spline import: the point-file reader against a literal model of its line
+// splitting, and the whole import against the reference host with the
+// headless dialog, checking the messages shown and the host calls made.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "ToolsTestSupport.hpp"
+#include "automation/Catalogue.hpp"
+#include "automation/Members.hpp"
+#include "refhost/RefHost.hpp"
+#include "tables/TK2DArray.hpp"
+#include "tools/PointFile.hpp"
+#include "tools/TKImports.hpp"
+
+using namespace TessarkAO;
+using namespace ToolsTest;
+
+namespace {
+
+// ---------------------------------------------------------------------------
+// The line splitting as the import tool has always done it, literally: the
+// separator searched again from p for every token, tab before comma before
+// blank, the table grown row by row and column by column.
+std::size_t InStr(std::string_view s, std::size_t from, char c) {
+  for (std::size_t i = from; i < s.size(); ++i)
+    if (s[i] == c) return i;
+  return std::string_view::npos;
+}
+
+void LiteralParseLine(std::string_view line, TK2DArray& t) {
+  if (line.empty()) return;
+  std::size_t p = 0;
+  std::int32_t c = 0;
+  bool added = false;
+  while (true) {
+    std::size_t sep = InStr(line, p, '\t');
+    if (sep == std::string_view::npos) sep = InStr(line, p, ',');
+    if (sep == std::string_view::npos) sep = InStr(line, p, ' ');
+    const std::string token(line.substr(p, sep == std::string_view::npos ? std::string_view::npos : sep - p));
+    if (IsNumeric(Variant(token))) {
+      if (!added) {
+        t.AddRow();
+        added = true;
+      }
+      ++c;
+      while (t.Columns() < c) t.AddColumn();
+      t.SetValue(t.Rows(), c, ToDouble(Variant(token)));
+    }
+    if (sep == std::string_view::npos) return;
+    p = sep + 1;
+  }
+}
+
+Ref<TK2DArray> Parse(std::string_view text) {
+  PointFile::PointRows rows;
+  PointFile::ParseFitPointText(text, rows);
+  return rows.ToTable();
+}
+
+void ExpectSameTable(const TK2DArray& a, const TK2DArray& b, const std::string& what) {
+  ASSERT_EQ(a.Rows(), b.Rows()) << what;
+  ASSERT_EQ(a.Columns(), b.Columns()) << what;
+  for (std::int32_t r = 1; r <= a.Rows(); ++r)
+    for (std::int32_t c = 1; c <= a.Columns(); ++c) {
+      const double x = a.GetValue(r, c), y = b.GetValue(r, c);
+      ASSERT_TRUE(x == y && std::signbit(x) == std::signbit(y)) << what << " at " << r << "," << c;
+    }
+}
+
+TEST(PointFile, SplittingByPriorityAndSkippedTokens) {
+  // The tab has priority over the comma: "4,5" is one token, a number to the
+  // runtime's parser (the comma groups digits), so it gives 45.
+  Ref<TK2DArray> t = Parse("3\t4,5\n");
+  ASSERT_EQ(t->Rows(), 1);
+  EXPECT_EQ(t->GetValue(1, 1), 3.0);
+  EXPECT_EQ(t->GetValue(1, 2), 45.0);
+  // Empty tokens and words use up no column; a shorter row leaves zeros.
+  t = Parse("X Y\n1,,2\n\n7\r\n-1.5e2 ,abc, 2.25\r");
+  ASSERT_EQ(t->Rows(), 3);
+  ASSERT_EQ(t->Columns(), 2);
+  EXPECT_EQ(t->GetValue(1, 1), 1.0);
+  EXPECT_EQ(t->GetValue(1, 2), 2.0);
+  EXPECT_EQ(t->GetValue(2, 1), 7.0);
+  EXPECT_EQ(t->GetValue(2, 2), 0.0);
+  EXPECT_EQ(t->GetValue(3, 1), -150.0);
+  EXPECT_EQ(t->GetValue(3, 2), 2.25);
+  // With neither tab nor comma ahead the blank ends the token, but a comma
+  // further on wins over an earlier blank: "1 2" is one token, not a number.
+  t = Parse("1 2,3\n");
+  ASSERT_EQ(t->Rows(), 1);
+  EXPECT_EQ(t->Columns(), 1);
+  EXPECT_EQ(t->GetValue(1, 1), 3.0);
+}
+
+TEST(PointFile, FastReaderMatchesTheLiteralModel) {
+  std::mt19937 rng(20240611);
+  const char* pieces[] = {"0", "1", "-2.5", "1e3", "1E-2", "+4", "3.", ".5", "1,000", "abc", "",  " ",
+                          "\t", ",", "1e", "-", "1.2.3", "&H10", "1d2", "  7  ", "nan", "inf", "1e400", "0x1A",
+                          "12345678901234567890", "-0", "9.999999999999999e22"};
+  for (int round = 0; round < 3000; ++round) {
+    std::string text;
+    const int lines = 1 + static_cast<int>(rng() % 5);
+    for (int l = 0; l < lines; ++l) {
+      const int n = static_cast<int>(rng() % 9);
+      for (int k = 0; k < n; ++k) {
+        text += pieces[rng() % std::size(pieces)];
+        const char seps[] = {'\t', ',', ' ', ' '};
+        if (rng() % 4) text += seps[rng() % 4];
+      }
+      text += (rng() % 3) ? "\n" : "\r\n";
+    }
+    Ref<TK2DArray> model = MakeRef<TK2DArray>();
+    std::string_view rest = text;
+    while (!rest.empty()) {
+      const std::size_t end = rest.find_first_of("\r\n");
+      LiteralParseLine(rest.substr(0, end), *model);
+      if (end == std::string_view::npos) break;
+      rest.remove_prefix(end + 1);
+    }
+    ExpectSameTable(*Parse(text), *model, text);
+  }
+}
+
+TEST(PointFile, FilesThatCannotBeOpenedGiveNoTable) {
+  EXPECT_FALSE(PointFile::ReadPointFile((TempDir() / "missing.txt").string()));
+  EXPECT_FALSE(PointFile::ReadPointFile(TempDir().string()));  // a folder
+  EXPECT_FALSE(PointFile::ReadPointFile(""));
+  Ref<TK2DArray> empty = PointFile::ReadPointFile(WriteFile("empty.txt", ""));
+  ASSERT_TRUE(empty);
+  EXPECT_EQ(empty->Rows(), 0);
+}
+
+TEST(PointFile, MillionLinesAcrossReadBlocks) {
+  std::string text;
+  text.reserve(24'000'000);
+  for (int i = 0; i < 1'000'000; ++i) {
+    text += std::to_string(i * 0.001);
+    text += i % 2 ? "\t" : ",";
+    text += std::to_string(-i);
+    text += "\n";
+  }
+  Ref<TK2DArray> t = PointFile::ReadPointFile(WriteFile("million.txt", text));
+  ASSERT_TRUE(t);
+  ASSERT_EQ(t->Rows(), 1'000'000);
+  ASSERT_EQ(t->Columns(), 2);
+  EXPECT_EQ(t->GetValue(777'777, 2), -777'776.0);
+  EXPECT_EQ(t->GetValue(1'000'000, 1), std::stod(std::to_string(999'999 * 0.001)));
+}
+
+// ---------------------------------------------------------------------------
+// The import against the reference host.
+
+class Import : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Ui().Clear();
+    app_ = RefHost::NewApplication();
+    page_ = Variant(app_).Get("ActivePage");
+    part_ = page_.Get("Shape").Get("Components", 2).Call("Item", 1).Get("Shapes", 3).Call("Add");
+    page_.Get("SelectedItems").Call("Add", part_);
+    RefHost::ClearJournal();
+    RefHost::StartJournal();
+  }
+  void TearDown() override {
+    RefHost::StopJournal();
+    RefHost::ClearJournal();
+    Ui().Clear();
+  }
+  // Chooses each file in the dialog, then presses `button`.
+  void Run(std::initializer_list<std::string> files, const std::string& button = "Import") {
+    for (const std::string& f : files) Ui().QueueFile(f);
+    if (!button.empty()) Ui().QueueButton(button);
+    Ref<Object> imports = CreateObject("TessarkAO.TKImports");
+    Variant args[] = {Variant(app_)};
+    imports->Invoke("ImportBSpline", CallKind::Method, args);
+  }
+  // The journal lines of the calls that build the B-spline.
+  std::vector<std::string> SplineCalls() const {
+    std::vector<std::string> out;
+    for (const RefHost::JournalEntry& e : RefHost::Journal()) {
+      if (e.member == "SetStartPoint" || e.member == "AddBSplineTo" || e.member == "SetDefinitionByFitPoints" ||
+          e.member == "Closed" || e.member == "Update" || (e.member == "Add" && e.object.find("Components(3)") != std::string::npos))
+        out.push_back(RefHost::FormatJournal({e}));
+    }
+    return out;
+  }
+  std::vector<std::string> Messages() const {
+    std::vector<std::string> out;
+    for (const MessageRecord& m : Ui().Messages())
+      out.push_back(std::string(MessageIconName(m.icon)) + "|" + m.title + "|" + m.text);
+    return out;
+  }
+  Variant Path() const { return part_.Get("Components", 3).Call("Item", 1); }
+
+  Ref<Object> app_;
+  Variant page_, part_;
+};
+
+const std::string kDone = "information|B-Spline Import|Import of B-Spline completed successfully.";
+const std::string kInvalid = "exclamation|B-Spline Import|The file does not contain valid B-Spline point data.";
+
+TEST_F(Import, OpenSplineThroughThreePoints) {
+  Run({WriteFile("three.txt", "0,0\n10,5\n20,0\n")});
+  EXPECT_EQ(Messages(), std::vector<std::string>{kDone});
+  const std::vector<std::string> calls = SplineCalls();
+  ASSERT_EQ(calls.size(), 6u) << RefHost::FormatJournal(RefHost::Journal());
+  EXPECT_NE(calls[0].find("Components(3).Add()"), std::string::npos) << calls[0];
+  EXPECT_NE(calls[1].find("SetStartPoint(0, 0)"), std::string::npos) << calls[1];
+  EXPECT_NE(calls[2].find("AddBSplineTo(20, 0)"), std::string::npos) << calls[2];
+  EXPECT_NE(calls[3].find("SetDefinitionByFitPoints(3%, False, False,"), std::string::npos) << calls[3];
+  EXPECT_NE(calls[4].find("Closed"), std::string::npos);
+  EXPECT_NE(calls[4].find("False"), std::string::npos) << calls[4];
+  EXPECT_NE(calls[5].find("Update"), std::string::npos);
+  EXPECT_FALSE(ToBoolean(Path().Get("Closed")));
+  // The dialog asked for a text file and showed the chosen one.
+  EXPECT_EQ(Ui().LastFileRequest().at(1), "Text Files (*.txt)|*.txt|All Files (*.*)|*.*");
+  EXPECT_EQ(Ui().LastFileRequest().at(2), "txt");
+  ASSERT_EQ(Ui().Shown().size(), 1u);
+  EXPECT_EQ(Ui().Shown()[0].name, "frmImportBSpline");
+  EXPECT_NE(Ui().Shown()[0].text.find("three.txt"), std::string::npos);
+}
+
+TEST_F(Import, EqualEndsCloseTheSplineAndHeadersAreSkipped) {
+  Run({WriteFile("closed.txt", "X Y\n1 1\n5 3\n1 1\n")});
+  EXPECT_EQ(Messages(), std::vector<std::string>{kDone});
+  const std::vector<std::string> calls = SplineCalls();
+  ASSERT_EQ(calls.size(), 6u);
+  EXPECT_NE(calls[3].find("SetDefinitionByFitPoints(3%, False, True,"), std::string::npos) << calls[3];
+  EXPECT_TRUE(ToBoolean(Path().Get("Closed")));
+}
+
+TEST_F(Import, LimitIsInclusiveAndScaled) {
+  Run({WriteFile("edge.txt", "0 0\n1000 -1000\n")});
+  EXPECT_EQ(Messages(), std::vector<std::string>{kDone});
+
+  Ui().Clear();
+  RefHost::ClearJournal();
+  Run({WriteFile("over.txt", "0 0\n1000.0000000001 0\n5 5\n")});
+  EXPECT_EQ(Messages(), std::vector<std::string>{
+                            "exclamation|B-Spline Import|Coordinate values for the B-Spline fit points are larger "
+                            "than acceptable limits.\r\nImport will be canceled.  Please refer to help for further "
+                            "instructions."});
+  EXPECT_TRUE(SplineCalls().empty());
+
+  // The page's length scale enters the test, but the host gets the file's values.
+  page_.Let("UnitsScale", 2, 10.0);
+  Ui().Clear();
+  RefHost::ClearJournal();
+  Run({WriteFile("scaled.txt", "0 0\n100 50\n")});
+  EXPECT_EQ(Messages(), std::vector<std::string>{kDone});
+  EXPECT_NE(SplineCalls().at(2).find("AddBSplineTo(100, 50)"), std::string::npos);
+  Ui().Clear();
+  RefHost::ClearJournal();
+  Run({WriteFile("scaled-over.txt", "0 0\n100.5 50\n")});
+  EXPECT_EQ(Messages().size(), 1u);
+  EXPECT_TRUE(SplineCalls().empty());
+}
+
+TEST_F(Import, InvalidFilesKeepImportDisabled) {
+  const std::string binary = WriteFile("binary.bin", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\xff\xfe", 18));
+  struct Case {
+    std::string file;
+    bool message;
+  } cases[] = {
+      {WriteFile("single.txt", "1 2\n"), true},
+      {WriteFile("column.txt", "1\n2\n3\n"), true},
+      {WriteFile("blank.txt", ""), true},
+      {binary, true},
+      {(TempDir() / "nowhere.txt").string(), false},
+  };
+  for (const Case& c : cases) {
+    Ui().Clear();
+    RefHost::ClearJournal();
+    Run({c.file});  // Import is disabled: pressing it closes without importing
+    EXPECT_EQ(Messages(), c.message ? std::vector<std::string>{kInvalid} : std::vector<std::string>{}) << c.file;
+    EXPECT_TRUE(SplineCalls().empty()) << c.file;
+    EXPECT_NE(Ui().Shown().at(0).text.find("(disabled)"), std::string::npos) << c.file;
+  }
+}
+
+TEST_F(Import, ChoosingAgainRevalidates) {
+  // A valid choice, then an invalid one: Import ends disabled.
+  Run({WriteFile("good.txt", "0 0\n1 1\n"), WriteFile("bad.txt", "7\n")});
+  EXPECT_EQ(Messages(), std::vector<std::string>{kInvalid});
+  EXPECT_TRUE(SplineCalls().empty());
+  // An invalid one, then a valid one: it imports.
+  Ui().Clear();
+  Run({WriteFile("bad.txt", "7\n"), WriteFile("good.txt", "0 0\n1 1\n")});
+  EXPECT_EQ(Messages(), (std::vector<std::string>{kInvalid, kDone}));
+}
+
+TEST_F(Import, CancelCloseAndNoSelectionEndSilently) {
+  const std::string good = WriteFile("good.txt", "0 0\n1 1\n");
+  for (const char* button : {"Cancel", "Close", ""}) {
+    Ui().Clear();
+    RefHost::ClearJournal();
+    Run({good}, button);
+    EXPECT_TRUE(Messages().empty()) << button;
+    EXPECT_TRUE(SplineCalls().empty()) << button;
+  }
+  page_.Get("SelectedItems").Call("Clear");
+  Ui().Clear();
+  RefHost::ClearJournal();
+  Run({good});
+  EXPECT_TRUE(Messages().empty());
+  EXPECT_TRUE(SplineCalls().empty());
+}
+
+TEST_F(Import, MillionPointFile) {
+  std::string text;
+  for (int i = 0; i < 1'000'000; ++i) text += std::to_string(i % 1000) + " " + std::to_string((i * 7) % 1000) + "\n";
+  Run({WriteFile("million-points.txt", text)});
+  EXPECT_EQ(Messages(), std::vector<std::string>{kDone});
+  EXPECT_EQ(ToLong(Path().Get("Curves").Get("Count")), 1);
+}
+
+// An application without open scenes.
+class EmptyPages final : public Dispatch<EmptyPages> {
+ public:
+  static constexpr std::string_view kClassName = "Pages";
+  static void Describe(ClassBuilder<EmptyPages>& b) { b.Get<&EmptyPages::Count>("Count"); }
+  std::int32_t Count() const { return 0; }
+};
+class NoSceneApp final : public Dispatch<NoSceneApp> {
+ public:
+  static constexpr std::string_view kClassName = "Application";
+  static void Describe(ClassBuilder<NoSceneApp>& b) { b.Get<&NoSceneApp::Pages>("Pages"); }
+  Ref<Object> Pages() { return MakeRef<EmptyPages>(); }
+};
+
+TEST(ImportWithoutScene, SaysSoAndShowsNoDialog) {
+  Ui().Clear();
+  Ref<Object> imports = CreateObject("TessarkAO.TKImports");
+  Variant args[] = {Variant(MakeRef<NoSceneApp>())};
+  imports->Invoke("ImportBSpline", CallKind::Method, args);
+  ASSERT_EQ(Ui().Messages().size(), 1u);
+  EXPECT_EQ(Ui().Messages()[0].text, "There must be a scene open to import the B-Spline to.");
+  EXPECT_EQ(Ui().Messages()[0].title, "B-Spline Import");
+  EXPECT_EQ(Ui().Messages()[0].icon, MessageIcon::Exclamation);
+  EXPECT_TRUE(Ui().Shown().empty());
+  // Nothing for an application is the classic "object not set".
+  Variant nothing[] = {Variant::Nothing()};
+  try {
+    imports->Invoke("ImportBSpline", CallKind::Method, nothing);
+    FAIL();
+  } catch (const AutomationError& e) {
+    EXPECT_EQ(e.Number(), Err::ObjectNotSet);
+  }
+  Ui().Clear();
+}
+
+}  // namespace
