@@ -72,7 +72,7 @@ Ref<Object> HostPageList::Add(const Variant& name) {
   std::string n;
   if (name.IsMissing()) {
     for (int k = Count() + 1;; ++k) {
-      n = std::string("Scene") + std::to_string(k);
+      n = "Scene" + std::to_string(k);
       bool taken = false;
       for (const Ref<HostPage>& p : app_->PageList()) taken = taken || EqualsNoCase(p->Name(), n);
       if (!taken) break;

@@ -7,7 +7,7 @@ namespace TessarkAO::RefHost {
 
 Ref<HostComponent> MakeComponent(std::int32_t type) {
   if (ComponentTypeName(type).empty())
-    Raise(Err::InvalidCall, std::string("The host has no component type ") + std::to_string(type));
+    Raise(Err::InvalidCall, "The host has no component type " + std::to_string(type));
   const std::span<const VarDef> defs = ComponentVarDefs(type);
   switch (type) {
     case ComponentType::Group:
@@ -35,7 +35,7 @@ Ref<Object> HostComponent::Variable(std::int32_t number) {
 Ref<Object> HostComponent::Variables() { return MakeRef<HostVariableList>(Ref<HostComponent>(this)); }
 
 std::string HostComponent::JournalName() const {
-  if (!holder_) return std::string("(") + Name() + " of a deleted shape)";
+  if (!holder_) return "(" + Name() + " of a deleted shape)";
   return holder_->JournalName() + ".Components(" + std::to_string(type_) + ").Item(" +
          std::to_string(holder_->IndexOf(this)) + ")";
 }
@@ -224,7 +224,7 @@ void HostBendComponent::LetSuppressedReliefs(const Variant& v) {
 
 std::int32_t HostBendComponent::SegmentVar(std::int32_t index, std::int32_t first, std::int32_t base) {
   if (index != first && index != first + 1) {
-    Raise(Err::InvalidCall, std::string("The bend has segments ") + std::to_string(first) + " and " +
+    Raise(Err::InvalidCall, "The bend has segments " + std::to_string(first) + " and " +
                                 std::to_string(first + 1) + ", not " + std::to_string(index));
   }
   return base + (index - first);

@@ -29,13 +29,13 @@ class Parser {
   double Run() {
     const double v = Expression();
     SkipBlanks();
-    if (pos_ < text_.size()) Fail(std::string("unexpected '") + std::string(1, text_[pos_]) + "'");
+    if (pos_ < text_.size()) Fail("unexpected '" + std::string(1, text_[pos_]) + "'");
     return v;
   }
 
  private:
   [[noreturn]] void Fail(const std::string& what) const {
-    Raise(Err::InvalidCall, std::string("Invalid expression \"") + std::string(text_) + "\" at character " +
+    Raise(Err::InvalidCall, "Invalid expression \"" + std::string(text_) + "\" at character " +
                                 std::to_string(pos_ + 1) + ": " + what);
   }
 
@@ -128,7 +128,7 @@ class Parser {
     }
     if (IsDigit(c) || c == '.' || c == decimal_) return Number();
     if (IsNameStart(c)) return Reference();
-    Fail(std::string("unexpected '") + std::string(1, c) + "'");
+    Fail("unexpected '" + std::string(1, c) + "'");
   }
 
   double Number() {

@@ -81,26 +81,36 @@ bool JournalRecording() noexcept;
 void RecordCall(const HostObject& callee, const ClassInfo& info, DispId id, std::string_view calledName,
                 CallKind kind, std::span<Variant> args);
 
-// The base of every host class: the member-table dispatch of the runtime,
-// with both entry points (by name and by dispatch id) first recording the
-// call in the journal when it is on.  It must stay the most derived
-// override, so that no call reaches a member unrecorded.
+// The base of every host class: the member table of the runtime, with both
+// entry points (by name and by dispatch id) first recording the call in the
+// journal when it is on, then dispatching through the table themselves, so
+// that a call is recorded exactly once whichever route it takes.
 template <class C, class Base>
 class HostDispatch : public Dispatch<C, Base> {
  public:
   using Dispatch<C, Base>::Dispatch;
 
   Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
-    if (JournalRecording()) {
-      const ClassInfo& info = Dispatch<C, Base>::StaticClass();
-      RecordCall(*this, info, info.Find(name), name, kind, args);
-    }
-    return Dispatch<C, Base>::Invoke(name, kind, args);
+    const ClassInfo& info = Dispatch<C, Base>::StaticClass();
+    const DispId id = info.Find(name);
+    if (JournalRecording()) RecordCall(*this, info, id, name, kind, args);
+    if (id == DispIdUnknown) Raise(Err::NoSuchMember);
+    return Call(info, id, kind, args);
   }
 
   Variant InvokeId(DispId id, CallKind kind, std::span<Variant> args) override {
-    if (JournalRecording()) RecordCall(*this, Dispatch<C, Base>::StaticClass(), id, {}, kind, args);
-    return Dispatch<C, Base>::InvokeId(id, kind, args);
+    const ClassInfo& info = Dispatch<C, Base>::StaticClass();
+    if (JournalRecording()) RecordCall(*this, info, id, {}, kind, args);
+    return Call(info, id, kind, args);
+  }
+
+ private:
+  // Property gets and methods without arguments go straight to their thunk.
+  Variant Call(const ClassInfo& info, DispId id, CallKind kind, std::span<Variant> args) {
+    if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) {
+      if (Thunk t = info.PlainGetter(id)) return t(this, args);
+    }
+    return info.Invoke(this, id, kind, args);
   }
 };
 

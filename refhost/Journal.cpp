@@ -64,12 +64,12 @@ void RecordCall(const HostObject& callee, const ClassInfo& info, DispId id, std:
   } else if (!calledName.empty()) {
     Record(callee, calledName, kind, args);
   } else {
-    Record(callee, std::string("#") + std::to_string(id), kind, args);
+    Record(callee, "#" + std::to_string(id), kind, args);
   }
 }
 
 void RaiseDetached(std::string_view what) {
-  Raise(Err::AutomationFailure, std::string("The ") + std::string(what) + " is no longer part of a scene");
+  Raise(Err::AutomationFailure, "The " + std::string(what) + " is no longer part of a scene");
 }
 
 void StartJournal() {
@@ -104,7 +104,7 @@ std::vector<JournalEntry> Journal() {
 std::string DescribeObject(const Ref<Object>& object) {
   if (!object) return "Nothing";
   if (auto* h = dynamic_cast<const HostObject*>(object.get())) return h->JournalName();
-  return std::string("<") + object->TypeName() + ">";
+  return "<" + object->TypeName() + ">";
 }
 
 std::string FormatJournalValue(const Variant& value) {
@@ -137,7 +137,7 @@ std::string FormatJournalValue(const Variant& value) {
       return s + "\"";
     }
     case VarType::Object: return DescribeObject(v.AsObject());
-    case VarType::Error: return std::string("Error(") + std::to_string(v.AsError().scode) + ")";
+    case VarType::Error: return "Error(" + std::to_string(v.AsError().scode) + ")";
     default: return ToString(v) + "(" + std::string(TypeName(v.Type())) + ")";
   }
 }
@@ -162,7 +162,7 @@ std::string FormatJournal(const std::vector<JournalEntry>& entries) {
       }
       out += ")";
     }
-    if (put && !e.args.empty()) out += std::string(" = ") + FormatJournalValue(e.args.back());
+    if (put && !e.args.empty()) out += " = " + FormatJournalValue(e.args.back());
     out += "\n";
   }
   return out;

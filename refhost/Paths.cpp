@@ -55,7 +55,7 @@ std::vector<double> ReadNumbers(const Variant& v, const char* what) {
 
 void CheckDegree(std::int32_t degree) {
   if (degree < 1 || degree > kMaxDegree)
-    Raise(Err::InvalidCall, std::string("A B-spline degree lies from 1 to ") + std::to_string(kMaxDegree));
+    Raise(Err::InvalidCall, "A B-spline degree lies from 1 to " + std::to_string(kMaxDegree));
 }
 
 // A tangent argument: left out, Empty or an object (none is used).
@@ -180,7 +180,7 @@ Ref<Object> HostPath::AddBSplineTo(double& x, double& y) {
 Ref<Object> HostPath::AddFilletAt(std::int32_t& position, double& radius) {
   const std::int32_t count = static_cast<std::int32_t>(curves_.size());
   if (position < 1 || position > count + 1)
-    Raise(Err::InvalidCall, std::string("A fillet position lies from 1 to ") + std::to_string(count + 1));
+    Raise(Err::InvalidCall, "A fillet position lies from 1 to " + std::to_string(count + 1));
   if (!(FiniteArg(radius) >= 0.0)) Raise(Err::InvalidCall, "A fillet radius cannot be negative");
   const std::size_t j = static_cast<std::size_t>(position);
   const Vec3 corner = EndOf(j - 1);
@@ -414,7 +414,7 @@ void InterpolateBSpline(BSplineData& s) {
     u[k] = u[k - 1] + step;
     if (total > 0.0 && step == 0.0)
       Raise(Err::InvalidCall,
-            std::string("Fit points ") + std::to_string(k) + " and " + std::to_string(k + 1) + " coincide");
+            "Fit points " + std::to_string(k) + " and " + std::to_string(k + 1) + " coincide");
   }
   u[n - 1] = 1.0;
   std::vector<double> knots(n + static_cast<std::size_t>(p) + 1, 0.0);

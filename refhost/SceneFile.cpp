@@ -80,7 +80,7 @@ class Loader {
       for (std::string_view a : allowed) ok = ok || it.key() == a;
       if (!ok) {
         At at(*this, it.key());
-        Fail(std::string("unknown key \"") + it.key() + "\"");
+        Fail("unknown key \"" + it.key() + "\"");
       }
     }
   }
@@ -103,7 +103,7 @@ class Loader {
       Fail("a whole number is expected here");
     }
     if (x < lo || x > hi)
-      Fail(std::string("the number must lie from ") + std::to_string(lo) + " to " + std::to_string(hi));
+      Fail("the number must lie from " + std::to_string(lo) + " to " + std::to_string(hi));
     return x;
   }
 
@@ -156,8 +156,7 @@ Ref<HostApplication> Loader::Load(const Json& doc) {
   CheckKeys(doc, {"format", "version", "activePage", "nextSystemID", "pages"});
   if (const Json* f = Member(doc, "format")) {
     At at(*this, "format");
-    if (String(*f) != kFormatName)
-      Fail(std::string("the format must be \"") + std::string(kFormatName) + "\"");
+    if (String(*f) != kFormatName) Fail("the format must be \"" + std::string(kFormatName) + "\"");
   }
   if (const Json* v = Member(doc, "version")) {
     At at(*this, "version");
@@ -225,8 +224,7 @@ Ref<HostApplication> Loader::Load(const Json& doc) {
     At at(*this, "nextSystemID");
     const std::int64_t given = Integer(*n, 1, 0x7fffffff);
     if (given <= maxId_ && maxId_ < 0x7fffffff)
-      Fail(std::string("the next system identifier must lie above every shape's (") + std::to_string(maxId_) +
-           ")");
+      Fail("the next system identifier must lie above every shape's (" + std::to_string(maxId_) + ")");
     next = given;
   }
   app->SetNextSystemID(static_cast<std::int32_t>(std::min<std::int64_t>(next, 0x7fffffff)));
@@ -237,7 +235,7 @@ Ref<HostApplication> Loader::Load(const Json& doc) {
       At a(*this, "pages"), b(*this, i), c(*this, "selection"), d(*this, k);
       auto it = ids_.find(selections[i][k]);
       if (it == ids_.end() || it->second->OwningPage() != page)
-        Fail(std::string("no shape on this page has system identifier ") + std::to_string(selections[i][k]));
+        Fail("no shape on this page has system identifier " + std::to_string(selections[i][k]));
       for (const Ref<HostShape>& s : page->Selection())
         if (s.get() == it->second) Fail("the shape is selected twice");
       page->Selection().push_back(Ref<HostShape>(it->second));
@@ -266,8 +264,7 @@ Ref<HostApplication> Loader::Load(const Json& doc) {
 }
 
 Ref<HostShape> Loader::ReadShape(const Json& j, bool root, std::size_t depth) {
-  if (depth > kMaxDepth)
-    Fail(std::string("shapes are nested deeper than ") + std::to_string(kMaxDepth) + " levels");
+  if (depth > kMaxDepth) Fail("shapes are nested deeper than " + std::to_string(kMaxDepth) + " levels");
   CheckKeys(j, {"name", "type", "systemID", "components"});
   const Json* type = Member(j, "type");
   if (!type) Fail("the key \"type\" is missing");
@@ -275,7 +272,7 @@ Ref<HostShape> Loader::ReadShape(const Json& j, bool root, std::size_t depth) {
   {
     At at(*this, "type");
     kind = static_cast<std::int32_t>(Integer(*type, 1, 0x7fffffff));
-    if (ShapeKindName(kind).empty()) Fail(std::string("the host has no shape kind ") + std::to_string(kind));
+    if (ShapeKindName(kind).empty()) Fail("the host has no shape kind " + std::to_string(kind));
     if (root && kind != ShapeType::Assembly) Fail("a page's root shape has type 1");
   }
   std::string name = root ? std::string() : std::string(ShapeKindName(kind));
@@ -288,7 +285,7 @@ Ref<HostShape> Loader::ReadShape(const Json& j, bool root, std::size_t depth) {
   if (const Json* s = Member(j, "systemID")) {
     At at(*this, "systemID");
     id = static_cast<std::int32_t>(Integer(*s, 1, 0x7fffffff));
-    if (ids_.count(id)) Fail(std::string("system identifier ") + std::to_string(id) + " is used twice");
+    if (ids_.count(id)) Fail("system identifier " + std::to_string(id) + " is used twice");
   }
   auto shape = MakeRef<HostShape>(kind, id, std::move(name));
   if (id) {
@@ -321,8 +318,7 @@ void Loader::ReadComponent(const Json& j, HostShape& shape, bool root, std::size
   {
     At at(*this, "type");
     t = static_cast<std::int32_t>(Integer(*type, 1, 0x7fffffff));
-    if (ComponentTypeName(t).empty())
-      Fail(std::string("the host has no component type ") + std::to_string(t));
+    if (ComponentTypeName(t).empty()) Fail("the host has no component type " + std::to_string(t));
     if (t == ComponentType::Studio && !root)
       Fail("only a page's root shape carries the studio component (18)");
   }
@@ -539,7 +535,7 @@ void Loader::ReadVariable(const Json& v, VarTable& table, std::int32_t number, b
     table.Declare(number, type, std::move(name));
   }
   VarSlot* slot = table.Find(number);
-  if (!slot) Fail(std::string("the host has no variable ") + std::to_string(number) + " here");
+  if (!slot) Fail("the host has no variable " + std::to_string(number) + " here");
   if (value) {
     std::unique_ptr<At> at;
     if (value != &v) at = std::make_unique<At>(*this, "value");
@@ -607,7 +603,7 @@ Ref<Object> LoadText(const std::string& text, const std::string& source) {
       const std::size_t at = text.find(what.substr(q1 + 1, q2 - q1 - 1));
       if (at != std::string::npos) {
         const auto [line, column] = LineAndColumn(text, at + 1);
-        place += std::string(":") + std::to_string(line) + ":" + std::to_string(column);
+        place += ":" + std::to_string(line) + ":" + std::to_string(column);
       }
     }
     Raise(kInvalidFileFormat, place + ": " + what);
@@ -737,16 +733,15 @@ Ref<Object> LoadSceneFromString(const std::string& json) { return LoadText(json,
 Ref<Object> LoadScene(const std::string& path) {
   struct stat st {};
   if (::stat(path.c_str(), &st) != 0) {
-    if (errno == ENOENT || errno == ENOTDIR) Raise(Err::FileNotFound, std::string("File not found: ") + path);
-    Raise(Err::PathFileAccess, std::string("Path/File access error: ") + path);
+    if (errno == ENOENT || errno == ENOTDIR) Raise(Err::FileNotFound, "File not found: " + path);
+    Raise(Err::PathFileAccess, "Path/File access error: " + path);
   }
-  if (S_ISDIR(st.st_mode))
-    Raise(Err::PathFileAccess, std::string("Path/File access error: ") + path + " is a folder");
+  if (S_ISDIR(st.st_mode)) Raise(Err::PathFileAccess, "Path/File access error: " + path + " is a folder");
   std::ifstream in(path, std::ios::binary);
-  if (!in) Raise(Err::PathFileAccess, std::string("Path/File access error: ") + path);
+  if (!in) Raise(Err::PathFileAccess, "Path/File access error: " + path);
   std::ostringstream text;
   text << in.rdbuf();
-  if (in.bad()) Raise(Err::PathFileAccess, std::string("Path/File access error: ") + path);
+  if (in.bad()) Raise(Err::PathFileAccess, "Path/File access error: " + path);
   return LoadText(text.str(), path);
 }
 
@@ -782,10 +777,10 @@ std::string SaveSceneToString(const Ref<Object>& application) {
 void SaveScene(const Ref<Object>& application, const std::string& path) {
   const std::string text = SaveSceneToString(application);
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  if (!out) Raise(Err::PathFileAccess, std::string("Path/File access error: ") + path);
+  if (!out) Raise(Err::PathFileAccess, "Path/File access error: " + path);
   out << text;
   out.close();
-  if (!out) Raise(Err::PathFileAccess, std::string("Path/File access error: ") + path);
+  if (!out) Raise(Err::PathFileAccess, "Path/File access error: " + path);
 }
 
 }  // namespace TessarkAO::RefHost

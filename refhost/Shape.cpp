@@ -93,7 +93,7 @@ Ref<Object> HostComponentList::Item(std::int32_t index) const {
 // added.  A profile holds paths only.
 Ref<Object> HostComponentList::Add() {
   if (ComponentTypeName(type_).empty())
-    Raise(Err::InvalidCall, std::string("The host has no component type ") + std::to_string(type_));
+    Raise(Err::InvalidCall, "The host has no component type " + std::to_string(type_));
   if (type_ == ComponentType::Studio) Raise(Err::InvalidCall, "The studio component cannot be added");
   if (dynamic_cast<HostProfileObject*>(holder_.get()) && type_ != ComponentType::Path)
     Raise(Err::InvalidCall, "A profile holds paths (component type 3) only");
@@ -530,8 +530,7 @@ Ref<Object> HostContainerComponent::Shapes(const Variant& kind) {
 
 Ref<HostShape> HostContainerComponent::AddShape(std::int32_t kind) {
   const std::string_view name = ShapeKindName(kind);
-  if (name.empty())
-    Raise(Err::InvalidCall, std::string("The host has no shape kind ") + std::to_string(kind));
+  if (name.empty()) Raise(Err::InvalidCall, "The host has no shape kind " + std::to_string(kind));
   auto* owner = static_cast<HostShape*>(Holder());
   HostPage* page = owner ? owner->OwningPage() : nullptr;
   HostApplication* app = page ? page->App() : nullptr;
@@ -539,8 +538,7 @@ Ref<HostShape> HostContainerComponent::AddShape(std::int32_t kind) {
   std::size_t depth = 0;
   for (const HostShape* up = owner; up; up = up->ParentShape()) ++depth;
   if (depth > kMaxNesting)
-    Raise(Err::InvalidCall,
-          std::string("Shapes nest at most ") + std::to_string(kMaxNesting) + " levels deep");
+    Raise(Err::InvalidCall, "Shapes nest at most " + std::to_string(kMaxNesting) + " levels deep");
   auto s = MakeRef<HostShape>(kind, app->NextSystemID(), std::string(name));
   s->AddComponent(ComponentType::Sizebox);
   s->AddComponent(ComponentType::Position);
@@ -611,8 +609,7 @@ void HostShapeList::Remove(Ref<Object>& shape) {
 }
 
 std::string HostShapeList::JournalName() const {
-  return container_->JournalName() + ".Shapes" +
-         (kind_ ? std::string("(") + std::to_string(kind_) + ")" : std::string());
+  return container_->JournalName() + ".Shapes" + (kind_ ? "(" + std::to_string(kind_) + ")" : std::string());
 }
 
 }  // namespace TessarkAO::RefHost

@@ -24,8 +24,8 @@ bool IsNumberText(std::string_view s) {
 
 double ReferencedValue(const VarSlot& slot, std::string_view component, std::string_view variable) {
   if (slot.type == VarType::String) {
-    Raise(Err::InvalidCall, std::string("the variable ") + std::string(component) +
-                                (component.empty() ? "" : "\\") + std::string(variable) + " holds text");
+    Raise(Err::InvalidCall, "the variable " + std::string(component) + (component.empty() ? "" : "\\") +
+                                std::string(variable) + " holds text");
   }
   return slot.num;
 }
@@ -50,12 +50,11 @@ double Resolve(VarTable& own, HostShape* shape, std::string_view component, std:
         }
       }
     }
-    if (!table)
-      Raise(Err::InvalidCall, std::string("the shape has no component named ") + std::string(component));
+    if (!table) Raise(Err::InvalidCall, "the shape has no component named " + std::string(component));
   }
   VarSlot* slot = LookUp(*table, variable);
   if (!slot) {
-    Raise(Err::InvalidCall, std::string("there is no variable ") + std::string(component) +
+    Raise(Err::InvalidCall, "there is no variable " + std::string(component) +
                                 (component.empty() ? "" : "\\") + std::string(variable));
   }
   return ReferencedValue(*slot, component, variable);
