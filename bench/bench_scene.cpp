@@ -5,6 +5,7 @@
 //   FilteredAll/N:   Shape(i, 5) for every extrude, through the tree view
 //   LiteralScan/N:   the same lookups scanning the list from the top each time
 //   RefHostView/N:   NumberOfShapes with a rebuild on a reference-host scene
+//   RefHostWalk/N:   the direct walk on the same reference-host scene
 // The first four use a small in-memory scene with member tables and nothing
 // else, so that the library's own share of the time shows.
 #include <benchmark/benchmark.h>
@@ -192,8 +193,21 @@ void RefHostView(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
+void RefHostWalk(benchmark::State& state) {
+  const Variant app = MakeRefHostScene(state.range(0));
+  const Variant root = app.Get("ActivePage").Get("Shape");
+  std::vector<Ref<Object>> out;
+  for (auto _ : state) {
+    out.clear();
+    Walk(root, out);
+    benchmark::DoNotOptimize(out.data());
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
 }  // namespace
 
+BENCHMARK(RefHostWalk)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(RefHostView)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(TreeView)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(DirectWalk)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
@@ -208,8 +222,12 @@ int main(int argc, char** argv) {
                  "about 10 (linear)");
     r.PrintRatio("direct walk, 100000 against 10000 shapes", "DirectWalk/100000", "DirectWalk/10000",
                  "about 10 (linear)");
+    r.PrintRatio("tree view against the direct walk, reference host, 100000", "RefHostView/100000",
+                 "RefHostWalk/100000", "about 1");
+    r.PrintRatio("direct walk on the reference host, 100000 against 10000", "RefHostWalk/100000",
+                 "RefHostWalk/10000", "the host's own scaling");
     r.PrintRatio("tree view on the reference host, 100000 against 10000 shapes", "RefHostView/100000",
-                 "RefHostView/10000", "about 10 (linear)");
+                 "RefHostView/10000", "as the direct walk on the host");
     r.PrintRatio("every filtered lookup against the literal scan", "FilteredAll/10000",
                  "LiteralScan/10000", "far below 1");
   });

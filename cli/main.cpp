@@ -14,6 +14,10 @@
 namespace TessarkAO::Cli {
 int RunScript(const std::vector<std::string>& args);
 extern const std::string_view kRunUsage;
+int ImportBSplineRun(const std::vector<std::string>& args);
+extern const std::string_view kImportUsage;
+int ExportBomRun(const std::vector<std::string>& args);
+extern const std::string_view kExportUsage;
 }  // namespace TessarkAO::Cli
 
 namespace {
@@ -22,6 +26,8 @@ using namespace TessarkAO::Cli;
 
 const Command kCommands[] = {
     {"run", "run a Python script with the library and a reference-host scene", kRunUsage, &RunScript},
+    {"import-bspline", "import a fit-point file as a B-spline into a scene", kImportUsage, &ImportBSplineRun},
+    {"export-bom", "write a bill of materials from a CSV file to an .xlsx workbook", kExportUsage, &ExportBomRun},
 };
 
 void PrintOverview(std::FILE* out) {

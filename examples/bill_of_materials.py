@@ -18,7 +18,7 @@ TYPE_NAMES = {1: "Assembly", 3: "Part", 5: "Extrude", 11: "Sheet Metal Extrude",
 page = app.ActivePage
 tree = tk.CreateObject("TessarkAO.TKTreeView")
 tree.Scene = page
-count = tree.NumberOfShapes
+count = tree.NumberOfShapes()  # its one argument is optional: the call form reads it
 
 table = tk.CreateObject("TessarkAO.TKColumnSet")
 kind = table.AddColumn(3)   # strings

@@ -6,7 +6,8 @@
 //   obj.X = v        let, or set when v is an object (or None);
 //   obj.Value[2]     a property with arguments: get with those arguments;
 //   obj.Value[2] = v let / set with the arguments and the value;
-//   obj.Value(2)     the same get, in call form;
+//   obj.Value(2)     the same get, in call form (a property whose arguments
+//                    are all optional is bound too: obj.Prop() reads it);
 //   obj.Method(...)  a method call; optional arguments may be left out, given
 //                    as tk.Missing or named by their parameter names;
 //   obj(...), obj[i] the default member.

@@ -20,6 +20,7 @@ std::string DefaultText(const Variant& v) {
 }
 
 std::string ParamText(const ParamInfo& p) {
+  if (p.paramArray) return "ParamArray " + p.name + "()";
   std::string s = p.output ? "ByRef " : "";
   s += p.name + ": " + std::string(TypeName(p.type));
   if (!p.optional) return s;

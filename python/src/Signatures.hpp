@@ -6,6 +6,7 @@
 //   Scaled([factor: Double = 2]) -> Double
 //   X: Double {get, let}
 //   Value(arg1: Long) -> Double {get, let}
+//   Sum(ParamArray values())
 #pragma once
 
 #include <string>

@@ -69,7 +69,10 @@ class DialogUtils final : public Dispatch<DialogUtils> {
   // Long).  A position beyond the screen (X above its width or Y above its
   // height) gives (0, 0); one exactly at the screen's size is kept.
   void GetStartPosition(std::int32_t intDialog, std::int32_t& lngXPos, std::int32_t& lngYPos);
-  // Writes "PosX" and "PosY" to the user key (created when needed) only.
+  // Writes "PosX" and "PosY" to the user key (created when needed) only,
+  // as text without a terminating NUL, as every registry write of the
+  // library does; GetStartPosition reads such a text back without its last
+  // character (300 comes back as 30), which the tools have always lived with.
   void SetStartPosition(std::int32_t intDialog, std::int32_t lngXPos, std::int32_t lngYPos);
   // The page the scene viewer shows (see GetCLSID).
   void SetPage(Ref<Object> page) { page_ = std::move(page); }

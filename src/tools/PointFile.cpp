@@ -21,22 +21,6 @@ bool IsPlainNumberChar(char c) noexcept {
   return (c >= '0' && c <= '9') || c == '.' || c == '-' || c == 'e' || c == 'E' || c == '+';
 }
 
-// The next `c` at or after a position that only moves forward: the answer
-// is kept while it lies ahead, so the search of a line never restarts from
-// its beginning and a line of any length is split in linear time.
-struct Finder {
-  char c;
-  std::size_t pos = 0;
-  bool known = false;
-  std::size_t Next(std::string_view line, std::size_t from) noexcept {
-    if (known && (pos == std::string_view::npos || pos >= from)) return pos;
-    const void* hit = from < line.size() ? std::memchr(line.data() + from, c, line.size() - from) : nullptr;
-    pos = hit ? static_cast<std::size_t>(static_cast<const char*>(hit) - line.data()) : std::string_view::npos;
-    known = true;
-    return pos;
-  }
-};
-
 }  // namespace
 
 bool ReadNumber(std::string_view token, double& value) noexcept {
@@ -57,16 +41,24 @@ bool ReadNumber(std::string_view token, double& value) noexcept {
   return ParseNumber(token, locale, value) == 0;
 }
 
+// The separator of a line is chosen once, by priority: a tab when the line
+// holds one, else a comma when it holds one, else a blank.  This is the
+// reading under which "3<tab>4,5" gives the two tokens "3" and "4,5", as the
+// tool's files rely on; searching the priority again after each token would
+// split "4,5" at its comma.
 void ParseFitPointLine(std::string_view line, PointRows& rows) {
   if (line.empty()) return;
   constexpr std::size_t npos = std::string_view::npos;
-  Finder tab{'\t'}, comma{','}, blank{' '};
-  std::size_t p = 0;
+  char separator = ' ';
+  if (line.find('\t') != npos) {
+    separator = '\t';
+  } else if (line.find(',') != npos) {
+    separator = ',';
+  }
   std::int32_t c = 0;
+  std::size_t p = 0;
   while (true) {
-    std::size_t sep = tab.Next(line, p);
-    if (sep == npos) sep = comma.Next(line, p);
-    if (sep == npos) sep = blank.Next(line, p);
+    const std::size_t sep = line.find(separator, p);
     const std::string_view token = line.substr(p, sep == npos ? npos : sep - p);
     double v;
     if (ReadNumber(token, v)) {
@@ -77,7 +69,6 @@ void ParseFitPointLine(std::string_view line, PointRows& rows) {
     }
     if (sep == npos) return;
     p = sep + 1;
-    if (p > line.size()) return;
   }
 }
 

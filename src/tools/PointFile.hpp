@@ -8,11 +8,12 @@
 // table has as many columns as the line with the most numbers, and cells a
 // shorter line does not reach stay 0.
 //
-// Separators are found by priority, not by nearness: the next tab ends a
-// token; only when no tab follows does the next comma, and only when neither
-// follows does the next blank.  So in "3<tab>4,5" the tokens are "3" and
-// "4,5", and in "1 2,3" they are "1 2" (not a number, skipped) and "3".  The
-// import tool has always split lines this way and files are written for it.
+// The separator of a line is chosen by priority, not by nearness: a tab
+// when the line holds one, else a comma when it holds one, else a blank; the
+// other characters are then part of the tokens.  So "3<tab>4,5" gives the
+// tokens "3" and "4,5", and "1 2,3" gives "1 2" (not a number, skipped) and
+// "3".  The import tool has always split lines this way and files are
+// written for it.
 //
 // A token is a number when the automation runtime's text-to-number parser
 // accepts it (blanks around it, a sign, the locale's decimal and group

@@ -35,7 +35,6 @@ TEST_F(Positions, ReadsAndWritesByVariableNumber) {
   SetVar(extrude, 4, 9, 1);
   p.Set("Shape", extrude);
   Journal journal;
-  TK_REQUIRE_JOURNAL(journal);
   p.Call("GetShapePosition");
   EXPECT_EQ(Fields(), (std::vector<double>{1.5, 3, 4.5, 6, 7.5, 9, 10.5}));
   EXPECT_EQ(pos->GetMirror(), 1);
@@ -109,8 +108,6 @@ TEST_F(Positions, WorldAndBackAgainThroughThreeLevels) {
   EXPECT_GT(std::abs(pos->GetPosX() - 3), 1.0);
 
   Journal journal;
-
-  TK_REQUIRE_JOURNAL(journal);
   p.Call("GetPositionFromWoldToParent", part);
   for (int i = 0; i < 7; ++i) EXPECT_NEAR(Fields()[static_cast<std::size_t>(i)], start[static_cast<std::size_t>(i)], 1e-9) << i;
   // Going down the nameless top stays in the chain: it makes the first call.
@@ -126,9 +123,9 @@ TEST_F(Positions, NoTransformUnderTheNamelessTop) {
   Fill(1, 2, 3, 0, 0, 1, 4);
   p.Set("Shape", assembly);
   Journal journal;
-  TK_REQUIRE_JOURNAL(journal);
   p.Call("GetWorldPosition");
   EXPECT_EQ(journal.Count("GetPointTransformUp"), 0u);
+  EXPECT_EQ(journal.Count("Parent"), 1u);  // the search itself was made
   EXPECT_EQ(Fields(), (std::vector<double>{1, 2, 3, 0, 0, 1, 4}));
 }
 
@@ -138,13 +135,13 @@ TEST_F(Positions, PointTransformsConvertAroundTheHostCall) {
   Variant args[] = {5.0, 0.0, 0.0};
   {
     Journal journal;
-    TK_REQUIRE_JOURNAL(journal);
     p.Invoke("GetPtTransformUp", CallKind::Method, args);  // no Scene: nothing at all
     EXPECT_TRUE(journal.Entries().empty());
     EXPECT_EQ(args[0].AsDouble(), 5.0);
+    p.Set("Scene", Page(app));
+    p.Invoke("GetPtTransformUp", CallKind::Method, args);
+    EXPECT_EQ(journal.Count("GetPointTransformUp", "Scene1//Assembly//Part"), 1u);
   }
-  p.Set("Scene", Page(app));
-  p.Invoke("GetPtTransformUp", CallKind::Method, args);
   EXPECT_NEAR(args[0].AsDouble(), 15.0, 1e-12);
   Variant down[] = {extrude, 15.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0};
   SetVar(extrude, 4, 1, 4.0);
@@ -162,7 +159,6 @@ TEST_F(Positions, ResetAnchorWritesFormulasAndShiftsByTheDisplacement) {
   p.Set("Shape", extrude);
   Fill(9, 9, 9, 0, 0, 1, 0);
   Journal journal;
-  TK_REQUIRE_JOURNAL(journal);
   p.Call("ResetAnchor", 0.5, 0.5, 0.25, false, Page(app));
   const Variant anchor = Comp(extrude, 5);
   EXPECT_EQ(ToString(anchor.Call("Variable", 1).Get("Expression")), "(Sizebox\\Length * 0.5)");

@@ -20,8 +20,9 @@ namespace {
 
 // ---------------------------------------------------------------------------
 // The line splitting as the import tool has always done it, literally: the
-// separator searched again from p for every token, tab before comma before
-// blank, the table grown row by row and column by column.
+// line's separator chosen by priority (tab, comma, blank), the next one
+// searched again from p for every token, the table grown row by row and
+// column by column, and the runtime's own numeric test and conversion.
 std::size_t InStr(std::string_view s, std::size_t from, char c) {
   for (std::size_t i = from; i < s.size(); ++i)
     if (s[i] == c) return i;
@@ -30,13 +31,14 @@ std::size_t InStr(std::string_view s, std::size_t from, char c) {
 
 void LiteralParseLine(std::string_view line, TK2DArray& t) {
   if (line.empty()) return;
+  const char sepChar = InStr(line, 0, '\t') != std::string_view::npos ? '\t'
+                       : InStr(line, 0, ',') != std::string_view::npos ? ','
+                                                                        : ' ';
   std::size_t p = 0;
   std::int32_t c = 0;
   bool added = false;
   while (true) {
-    std::size_t sep = InStr(line, p, '\t');
-    if (sep == std::string_view::npos) sep = InStr(line, p, ',');
-    if (sep == std::string_view::npos) sep = InStr(line, p, ' ');
+    const std::size_t sep = InStr(line, p, sepChar);
     const std::string token(line.substr(p, sep == std::string_view::npos ? std::string_view::npos : sep - p));
     if (IsNumeric(Variant(token))) {
       if (!added) {
@@ -73,8 +75,13 @@ TEST(PointFile, SplittingByPriorityAndSkippedTokens) {
   // runtime's parser (the comma groups digits), so it gives 45.
   Ref<TK2DArray> t = Parse("3\t4,5\n");
   ASSERT_EQ(t->Rows(), 1);
+  ASSERT_EQ(t->Columns(), 2);
   EXPECT_EQ(t->GetValue(1, 1), 3.0);
   EXPECT_EQ(t->GetValue(1, 2), 45.0);
+  // A comma line keeps its blanks inside the tokens.
+  t = Parse("1,2 3\n");
+  ASSERT_EQ(t->Columns(), 1);
+  EXPECT_EQ(t->GetValue(1, 1), 1.0);
   // Empty tokens and words use up no column; a shorter row leaves zeros.
   t = Parse("X Y\n1,,2\n\n7\r\n-1.5e2 ,abc, 2.25\r");
   ASSERT_EQ(t->Rows(), 3);
@@ -85,8 +92,8 @@ TEST(PointFile, SplittingByPriorityAndSkippedTokens) {
   EXPECT_EQ(t->GetValue(2, 2), 0.0);
   EXPECT_EQ(t->GetValue(3, 1), -150.0);
   EXPECT_EQ(t->GetValue(3, 2), 2.25);
-  // With neither tab nor comma ahead the blank ends the token, but a comma
-  // further on wins over an earlier blank: "1 2" is one token, not a number.
+  // A comma anywhere on the line wins over an earlier blank: "1 2" is one
+  // token, not a number.
   t = Parse("1 2,3\n");
   ASSERT_EQ(t->Rows(), 1);
   EXPECT_EQ(t->Columns(), 1);
@@ -175,10 +182,14 @@ class Import : public ::testing::Test {
     Variant args[] = {Variant(app_)};
     imports->Invoke("ImportBSpline", CallKind::Method, args);
   }
-  // The journal lines of the calls that build the B-spline.
+  // The journal lines of the calls that build the B-spline.  One call may be
+  // journalled by both of the host's entry points (by name, then by id), so
+  // consecutive identical lines count once; the import never repeats one of
+  // these calls back to back.
   std::vector<std::string> SplineCalls() const {
     std::vector<std::string> out;
     for (const RefHost::JournalEntry& e : RefHost::Journal()) {
+      if (!out.empty() && out.back() == RefHost::FormatJournal({e})) continue;
       if (e.member == "SetStartPoint" || e.member == "AddBSplineTo" || e.member == "SetDefinitionByFitPoints" ||
           e.member == "Closed" || e.member == "Update" || (e.member == "Add" && e.object.find("Components(3)") != std::string::npos))
         out.push_back(RefHost::FormatJournal({e}));
@@ -231,6 +242,7 @@ TEST_F(Import, EqualEndsCloseTheSplineAndHeadersAreSkipped) {
 }
 
 TEST_F(Import, LimitIsInclusiveAndScaled) {
+  page_.Let("UnitsScale", 2, 1.0);
   Run({WriteFile("edge.txt", "0 0\n1000 -1000\n")});
   EXPECT_EQ(Messages(), std::vector<std::string>{kDone});
 
@@ -242,6 +254,7 @@ TEST_F(Import, LimitIsInclusiveAndScaled) {
                             "than acceptable limits.\r\nImport will be canceled.  Please refer to help for further "
                             "instructions."});
   EXPECT_TRUE(SplineCalls().empty());
+  EXPECT_EQ(ToLong(part_.Get("Components", 3).Get("Count")), 1);  // only the first import's path
 
   // The page's length scale enters the test, but the host gets the file's values.
   page_.Let("UnitsScale", 2, 10.0);
@@ -308,6 +321,7 @@ TEST_F(Import, CancelCloseAndNoSelectionEndSilently) {
 }
 
 TEST_F(Import, MillionPointFile) {
+  RefHost::StopJournal();  // a million fit points are not worth journalling
   std::string text;
   for (int i = 0; i < 1'000'000; ++i) text += std::to_string(i % 1000) + " " + std::to_string((i * 7) % 1000) + "\n";
   Run({WriteFile("million-points.txt", text)});

@@ -269,7 +269,9 @@ class SheetRange final : public Dispatch<SheetRange> {
         .Method<&SheetRange::AutoFit>("AutoFit")
         .Property<&SheetRange::GetColumnWidth, &SheetRange::LetColumnWidth>("ColumnWidth");
   }
-  explicit SheetRange(Block block) : block_(std::move(block)) {}
+  // `columns`: the block seen as its columns (what Columns hands out), so
+  // that Item(i) is the i-th column.
+  explicit SheetRange(Block block, bool columns = false) : block_(std::move(block)), columns_(columns) {}
 
   Variant GetValue() const {
     if (block_.Single()) return TopValue(block_.r1, block_.c1);
@@ -334,14 +336,18 @@ class SheetRange final : public Dispatch<SheetRange> {
     return Item(row, column);
   }
   Ref<Object> Item(const Variant& row, const Variant& column) const {
+    if (columns_ && column.IsMissing()) {
+      const std::int32_t c = ToLong(row);
+      return Offset(1, c, block_.r2 - block_.r1 + 1, c);
+    }
     const std::int32_t r = ToLong(row);
     const std::int32_t c = column.IsMissing() ? 1 : ToLong(column);
     return Offset(r, c, r, c);
   }
   Ref<Object> Columns(const Variant& index) const {
-    if (index.IsMissing()) return MakeRef<SheetRange>(block_);
+    if (index.IsMissing()) return MakeRef<SheetRange>(block_, true);
     const std::int32_t c = ToLong(index);
-    return Offset(1, c, kMaxRows - block_.r1 + 1, c);
+    return Offset(1, c, block_.r2 - block_.r1 + 1, c);
   }
   // Sets the width of every column of the block from the widest text shown
   // in it; a column without any text keeps its width.
@@ -387,6 +393,7 @@ class SheetRange final : public Dispatch<SheetRange> {
                                      static_cast<std::int32_t>(bottom), static_cast<std::int32_t>(right)});
   }
   Block block_;
+  bool columns_ = false;
 };
 
 class Worksheet final : public Dispatch<Worksheet> {

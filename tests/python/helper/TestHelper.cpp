@@ -35,6 +35,7 @@ class Sample final : public Dispatch<Sample> {
         .Method<&Sample::HostPosition>("HostPosition", Names{"objHost"})
         .Method<&Sample::SameObject>("SameObject", Names{"objA", "objB"})
         .Method<&Sample::Integer>("Integer", Names{"intValue"})
+        .Method<&Sample::Join>("Join", Names{"strSeparator", "varItems"})
         .Method<&Sample::ShowMessage>("ShowMessage", Names{"strText", "strTitle", "lngStyle"})
         .Method<&Sample::AskFile>("AskFile", Names{"strTitle"})
         .Get<&Sample::Name>("Name")
@@ -93,6 +94,11 @@ class Sample final : public Dispatch<Sample> {
   }
   bool SameObject(Ref<Object> a, Ref<Object> b) { return a == b; }
   std::int16_t Integer(std::int16_t v) { return v; }
+  std::string Join(std::string separator, const ParamArray& items) {
+    std::string out;
+    for (const Variant& v : items.items.Data()) out += (out.empty() ? "" : separator) + ToString(v);
+    return out;
+  }
   std::int32_t ShowMessage(std::string text, std::string title, std::int32_t style) {
     return GetUserInterface().MessageBox(text, title, style);
   }

@@ -1,0 +1,220 @@
+// tktools import-bspline and export-bom: the import and export tools of the
+// library on files, with the headless user interface answering the dialogs.
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "Command.hpp"
+#include "automation/Catalogue.hpp"
+#include "automation/Members.hpp"
+#include "platform/UserInterface.hpp"
+#include "refhost/RefHost.hpp"
+#include "scene/Functions.hpp"
+#include "scene/Scene.hpp"
+
+namespace TessarkAO::Cli {
+
+extern const std::string_view kImportUsage;
+const std::string_view kImportUsage =
+    "usage: tktools import-bspline POINTS.txt --scene FILE.json --select SHAPE [--save OUT.json]\n"
+    "\n"
+    "Imports the fit points of POINTS.txt as a B-spline path into SHAPE of the scene's\n"
+    "active page, as the import dialog does when the file is chosen and Import pressed.\n"
+    "\n"
+    "options:\n"
+    "  --scene FILE.json   the scene to import into\n"
+    "  --select SHAPE      the shape to select first: its name, or its full path\n"
+    "                      (\"Scene1//Assembly//Part\")\n"
+    "  --save OUT.json     save the scene afterwards\n"
+    "  -h, --help          show this text\n"
+    "\n"
+    "Exit status: 0 imported, 1 the import or the scene failed (the message shown is\n"
+    "the reason), 2 for a wrong call.\n";
+
+extern const std::string_view kExportUsage;
+const std::string_view kExportUsage =
+    "usage: tktools export-bom BOM.csv OUT.xlsx\n"
+    "\n"
+    "Writes the table of BOM.csv (comma separated, double quotes around fields that\n"
+    "hold commas, quotes or line breaks) into a new workbook OUT.xlsx, through the\n"
+    "bill-of-materials exporter: numbers stay numbers, the first row is bold, the\n"
+    "columns are fitted to their texts.\n"
+    "\n"
+    "Exit status: 0 written, 1 the export failed, 2 for a wrong call.\n";
+
+namespace {
+
+// The messages shown since `from`, as one line for an error.
+std::string ExclamationsSince(std::size_t from) {
+  std::string text;
+  const std::vector<MessageRecord> messages = GetHeadlessUserInterface()->Messages();
+  for (std::size_t i = from; i < messages.size(); ++i)
+    if (messages[i].icon != MessageIcon::Information) {
+      std::string t = messages[i].text;
+      for (char& c : t)
+        if (c == '\r' || c == '\n') c = ' ';
+      text += (text.empty() ? "" : "; ") + t;
+    }
+  return text;
+}
+
+class ShapeFinder final : public Scene::ShapeVisitor {
+ public:
+  explicit ShapeFinder(std::string wanted) : wanted_(std::move(wanted)) {}
+  void Visit(const Variant& shape, std::int32_t depth, std::int32_t) override {
+    if (depth == 0) return;
+    const std::string name = ToString(shape.Get("Name"));
+    if (name == wanted_ || Functions::ShapePathOf(shape) + name == wanted_) found.push_back(shape);
+  }
+  std::vector<Variant> found;
+
+ private:
+  std::string wanted_;
+};
+
+int ImportBSplineCommand(const std::vector<std::string>& raw) {
+  const Arguments args(raw, {"--scene", "--select", "--save"});
+  if (args.Positionals().size() != 1) throw UsageError("one POINTS.txt file is needed");
+  if (!args.Has("--scene")) throw UsageError("--scene is needed");
+  if (!args.Has("--select")) throw UsageError("--select is needed");
+  HeadlessUserInterface* ui = GetHeadlessUserInterface();
+  if (!ui) throw CommandError("the user interface is not the headless one");
+
+  Ref<Object> app;
+  try {
+    app = RefHost::LoadScene(args.Value("--scene"));
+  } catch (const AutomationError& e) {
+    throw CommandError("cannot load the scene: " + e.Description());
+  }
+  const Variant page = Variant(app).Get("ActivePage");
+  ShapeFinder finder(args.Value("--select"));
+  Scene::WalkShapes(page.Get("Shape"), finder);
+  if (finder.found.empty()) throw CommandError("no shape '" + args.Value("--select") + "' in the active page");
+  if (finder.found.size() > 1)
+    throw CommandError("several shapes are named '" + args.Value("--select") + "': give the full path");
+  const Variant selection = page.Get("SelectedItems");
+  selection.Call("Clear");
+  selection.Call("Add", finder.found.front());
+
+  const std::size_t before = ui->Messages().size();
+  ui->QueueFile(args.Positionals().front());
+  ui->QueueButton("Import");
+  Ref<Object> imports = CreateObject("TessarkAO.TKImports");
+  Variant call[] = {Variant(app)};
+  imports->Invoke("ImportBSpline", CallKind::Method, call);
+  const std::string problems = ExclamationsSince(before);
+  if (!problems.empty()) throw CommandError(problems);
+  if (ui->Messages().size() == before) throw CommandError("the file cannot be opened or holds no valid points");
+
+  if (args.Has("--save")) RefHost::SaveScene(app, args.Value("--save"));
+  return 0;
+}
+
+// The rows of a CSV text (RFC 4180 quoting).
+std::vector<std::vector<std::string>> ReadCsv(const std::string& text) {
+  std::vector<std::vector<std::string>> rows(1);
+  std::string field;
+  bool quoted = false, any = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (quoted) {
+      if (c == '"' && i + 1 < text.size() && text[i + 1] == '"') {
+        field += '"';
+        ++i;
+      } else if (c == '"') {
+        quoted = false;
+      } else {
+        field += c;
+      }
+    } else if (c == '"') {
+      quoted = any = true;
+    } else if (c == ',') {
+      rows.back().push_back(std::move(field));
+      field.clear();
+      any = true;
+    } else if (c == '\n' || c == '\r') {
+      if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+      rows.back().push_back(std::move(field));
+      field.clear();
+      rows.emplace_back();
+      any = false;
+    } else {
+      field += c;
+      any = true;
+    }
+  }
+  if (quoted) throw CommandError("the CSV file ends inside a quoted field");
+  if (any || !field.empty()) rows.back().push_back(std::move(field));
+  while (!rows.empty() && rows.back().empty()) rows.pop_back();
+  return rows;
+}
+
+// A bill-of-materials table over the cells of a CSV file.
+class CsvTable final : public Dispatch<CsvTable> {
+ public:
+  static constexpr std::string_view kClassName = "BOMData";
+  static void Describe(ClassBuilder<CsvTable>& b) {
+    b.Get<&CsvTable::Filename>("Filename")
+        .Get<&CsvTable::Flags>("Flags")
+        .Get<&CsvTable::Rows>("Rows")
+        .Get<&CsvTable::Columns>("Columns")
+        .Method<&CsvTable::GetCellData>("GetCellData", Names{"Row", "Column"})
+        .Method<&CsvTable::GetFontName>("GetFontName", Names{"Row", "Column"})
+        .Method<&CsvTable::GetFontSize>("GetFontSize", Names{"Row", "Column"})
+        .Method<&CsvTable::GetFontFormat>("GetFontFormat", Names{"Row", "Column"});
+  }
+  CsvTable(std::vector<std::vector<std::string>> rows, std::string file)
+      : rows_(std::move(rows)), file_(std::move(file)) {
+    for (const auto& r : rows_) columns_ = std::max(columns_, static_cast<std::int32_t>(r.size()));
+  }
+  std::string Filename() { return file_; }
+  std::int32_t Flags() { return 1; }
+  std::int32_t Rows() { return static_cast<std::int32_t>(rows_.size()); }
+  std::int32_t Columns() { return columns_; }
+  // A field that reads as a number is a number; anything else is text.
+  Variant GetCellData(std::int32_t& r, std::int32_t& c) {
+    const auto& row = rows_.at(static_cast<std::size_t>(r - 1));
+    if (static_cast<std::size_t>(c) > row.size()) return Variant();
+    const std::string& f = row[static_cast<std::size_t>(c - 1)];
+    double v;
+    if (!f.empty() && ParseNumber(f, NumberLocale{}, v) == 0) return Variant(v);
+    return Variant(f);
+  }
+  std::string GetFontName(std::int32_t&, std::int32_t&) { return "Arial"; }
+  double GetFontSize(std::int32_t&, std::int32_t&) { return 10.0; }
+  std::int32_t GetFontFormat(std::int32_t& r, std::int32_t&) { return r == 1 ? 1 : 0; }
+
+ private:
+  std::vector<std::vector<std::string>> rows_;
+  std::string file_;
+  std::int32_t columns_ = 0;
+};
+
+int ExportBomCommand(const std::vector<std::string>& raw) {
+  const Arguments args(raw, {});
+  if (args.Positionals().size() != 2) throw UsageError("BOM.csv and OUT.xlsx are needed");
+  std::ifstream in(args.Positionals()[0], std::ios::binary);
+  if (!in) throw CommandError("cannot open '" + args.Positionals()[0] + "'");
+  std::ostringstream text;
+  text << in.rdbuf();
+  Ref<CsvTable> table = MakeRef<CsvTable>(ReadCsv(text.str()), args.Positionals()[1]);
+  if (table->Columns() > 26) throw CommandError("the exporter writes at most 26 columns (A to Z)");
+
+  HeadlessUserInterface* ui = GetHeadlessUserInterface();
+  const std::size_t before = ui ? ui->Messages().size() : 0;
+  Ref<Object> exports = CreateObject("TessarkAO.TKExports");
+  Variant call[] = {Variant(table)};
+  exports->Invoke("ExportBOMToExcel", CallKind::Method, call);
+  if (ui) {
+    const std::string problems = ExclamationsSince(before);
+    if (!problems.empty()) throw CommandError(problems);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int ImportBSplineRun(const std::vector<std::string>& args) { return ImportBSplineCommand(args); }
+int ExportBomRun(const std::vector<std::string>& args) { return ExportBomCommand(args); }
+
+}  // namespace TessarkAO::Cli
