@@ -216,8 +216,8 @@ BENCHMARK(LiteralScan)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
   return Bench::RunWithRatios(argc, argv, [](const Bench::RatioReporter& r) {
-    r.PrintRatio("tree view against the direct walk, 100000 shapes", "TreeView/100000",
-                 "DirectWalk/100000", "about 1");
+    r.PrintRatio("tree view against the direct walk, 100000 shapes", "TreeView/100000", "DirectWalk/100000",
+                 "about 1");
     r.PrintRatio("tree view, 100000 against 10000 shapes", "TreeView/100000", "TreeView/10000",
                  "about 10 (linear)");
     r.PrintRatio("direct walk, 100000 against 10000 shapes", "DirectWalk/100000", "DirectWalk/10000",
@@ -228,7 +228,7 @@ int main(int argc, char** argv) {
                  "RefHostWalk/10000", "the host's own scaling");
     r.PrintRatio("tree view on the reference host, 100000 against 10000 shapes", "RefHostView/100000",
                  "RefHostView/10000", "as the direct walk on the host");
-    r.PrintRatio("every filtered lookup against the literal scan", "FilteredAll/10000",
-                 "LiteralScan/10000", "far below 1");
+    r.PrintRatio("every filtered lookup against the literal scan", "FilteredAll/10000", "LiteralScan/10000",
+                 "far below 1");
   });
 }

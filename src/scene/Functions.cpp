@@ -25,8 +25,7 @@ double SecondsSinceMidnight() {
   std::tm local{};
   localtime_r(&t, &local);
   const auto sinceEpoch = now.time_since_epoch();
-  const auto fraction =
-      sinceEpoch - std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch);
+  const auto fraction = sinceEpoch - std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch);
   return local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec +
          std::chrono::duration<double>(fraction).count();
 }
@@ -127,7 +126,8 @@ bool ShapeOwnsFace(const Variant& shape, const Variant& face) {
   if (Host::CountOf(components) <= 0) return false;
   Variant faceRef = face;
   Variant args[] = {Variant::ByRef(faceRef)};
-  return ToBoolean(components.Call("Item", std::int16_t{1}).Get("Faces").Invoke("IsMember", CallKind::Method, args));
+  return ToBoolean(
+      components.Call("Item", std::int16_t{1}).Get("Faces").Invoke("IsMember", CallKind::Method, args));
 }
 
 }  // namespace TessarkAO::Functions

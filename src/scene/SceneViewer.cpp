@@ -89,7 +89,8 @@ void SceneViewer::AddProfile(const Variant& shape, std::int32_t depth, const std
     for (std::int32_t j = 1; j <= curves; ++j) {
       const Variant curve = outline.Call("GetCurve", j);
       const std::string label = "Loop Curve (" + Scene::CurveTypeName(ToLong(curve.Get("CurveType"))) + ")";
-      nodes_.push_back(Node{loopKey + "\\Curve-" + std::to_string(j), label, depth + 2, NodeKind::Curve, curve});
+      nodes_.push_back(
+          Node{loopKey + "\\Curve-" + std::to_string(j), label, depth + 2, NodeKind::Curve, curve});
     }
   }
 }
@@ -121,14 +122,9 @@ void SceneViewer::SelectNode(std::string_view key) {
         }
       }
       break;
-    case NodeKind::ProfileComponent:
-      break;
-    case NodeKind::Loop:
-      ShowOutlineData(node->object);
-      break;
-    case NodeKind::Curve:
-      ShowCurveData(node->object);
-      break;
+    case NodeKind::ProfileComponent: break;
+    case NodeKind::Loop: ShowOutlineData(node->object); break;
+    case NodeKind::Curve: ShowCurveData(node->object); break;
   }
 }
 

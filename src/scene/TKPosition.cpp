@@ -58,10 +58,10 @@ void TKPosition::Describe(ClassBuilder<TKPosition>& b) {
       .Method<&TKPosition::InheritAnchor>("InheritAnchor", Names{"cPosition"})
       .Method<&TKPosition::GetPositionFromShape>("GetPositionFromShape", Names{"objShape"})
       .Method<&TKPosition::GetAnchorFromShape>("GetAnchorFromShape", Names{"objShape"})
-      .Method<&TKPosition::ConvertUnitsFromSceneToMetric>("ConvertUnitsFromSceneToMetric",
-                                                           Names{"objPage"}, noPage)
-      .Method<&TKPosition::ConvertUnitsFromMetricToScene>("ConvertUnitsFromMetricToScene",
-                                                           Names{"objPage"}, noPage)
+      .Method<&TKPosition::ConvertUnitsFromSceneToMetric>("ConvertUnitsFromSceneToMetric", Names{"objPage"},
+                                                          noPage)
+      .Method<&TKPosition::ConvertUnitsFromMetricToScene>("ConvertUnitsFromMetricToScene", Names{"objPage"},
+                                                          noPage)
       .Method<&TKPosition::GetWorldPosition>("GetWorldPosition")
       .Method<&TKPosition::GetPositionFromWoldToParent>("GetPositionFromWoldToParent", Names{"objParent"})
       .Method<&TKPosition::TransformPositionUp>("TransformPositionUp", Names{"objPage"}, noPage)
@@ -269,9 +269,7 @@ void TKPosition::GetNormal(double& dblX, double& dblY, double& dblZ) {
 
 void TKPosition::Zero(std::int32_t Parameter) {
   switch (static_cast<TKZeroParameters>(Parameter)) {
-    case TKZeroParameters::ZeroPosition:
-      posX_ = posY_ = posZ_ = 0;
-      break;
+    case TKZeroParameters::ZeroPosition: posX_ = posY_ = posZ_ = 0; break;
     case TKZeroParameters::ZeroRotation:
       // The axis becomes the zero vector too: callers set a new rotation next.
       rotX_ = rotY_ = rotZ_ = rotAngle_ = 0;
@@ -283,8 +281,8 @@ void TKPosition::Zero(std::int32_t Parameter) {
   }
 }
 
-void TKPosition::ResetAnchor(double dblLengthRatio, double dblWidthRatio, double dblHeightRatio, bool bNormalize,
-                             Ref<Object> objPage) {
+void TKPosition::ResetAnchor(double dblLengthRatio, double dblWidthRatio, double dblHeightRatio,
+                             bool bNormalize, Ref<Object> objPage) {
   const Variant shape = ShapeVariant();
   shape.Call("ResetSizeBox");
   if (bNormalize) shape.Call("RealignAnchor");

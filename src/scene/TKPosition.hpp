@@ -99,8 +99,8 @@ class TKPosition final : public Dispatch<TKPosition> {
   void GetPtTransformUp(double& dblX, double& dblY, double& dblZ, double& dblRotX, double& dblRotY,
                         double& dblRotZ, double& dblRotAngle);
   // The same with the host's GetPointTransformDown towards objChild.
-  void GetPtTransformDown(Ref<Object> objChild, double& dblX, double& dblY, double& dblZ,
-                          double& dblRotX, double& dblRotY, double& dblRotZ, double& dblRotAngle);
+  void GetPtTransformDown(Ref<Object> objChild, double& dblX, double& dblY, double& dblZ, double& dblRotX,
+                          double& dblRotY, double& dblRotZ, double& dblRotAngle);
   // The host's Rotate / Shift of Shape, then GetShapePosition.
   void Rotate(std::int32_t lngAxis, double dblAngle);
   void Shift(double dblX, double dblY, double dblZ, bool bUseParent);
@@ -118,8 +118,8 @@ class TKPosition final : public Dispatch<TKPosition> {
   void ConvertFields(bool toMetric);
   void ReadPosition(const Variant& shape);
   void ReadAnchor(const Variant& shape);
-  void TransformThroughHost(const Variant* child, double& x, double& y, double& z, double& rotX,
-                            double& rotY, double& rotZ, double& rotAngle);
+  void TransformThroughHost(const Variant* child, double& x, double& y, double& z, double& rotX, double& rotY,
+                            double& rotZ, double& rotAngle);
   Variant ShapeVariant() const { return Variant(shape_); }
 
   InstanceRegistration registration_;

@@ -19,12 +19,12 @@ struct Preset {
 
 // The colours are the ones the presets have always had, whatever their names suggest.
 constexpr Preset kPresets[] = {
-    {0, 30, Rgb(255, 255, 255), 30},  // Aluminum
-    {0, 90, Rgb(255, 154, 43), 80},   // Brass
-    {10, 50, Rgb(206, 112, 6), 80},   // Bronze
-    {0, 90, Rgb(226, 174, 18), 80},   // Copper
-    {0, 90, Rgb(255, 217, 96), 80},   // Gold
-    {0, 100, Rgb(255, 255, 255), 80}, // Nylon
+    {0, 30, Rgb(255, 255, 255), 30},   // Aluminum
+    {0, 90, Rgb(255, 154, 43), 80},    // Brass
+    {10, 50, Rgb(206, 112, 6), 80},    // Bronze
+    {0, 90, Rgb(226, 174, 18), 80},    // Copper
+    {0, 90, Rgb(255, 217, 96), 80},    // Gold
+    {0, 100, Rgb(255, 255, 255), 80},  // Nylon
 };
 
 Variant FinishOf(const Variant& shape) {

@@ -22,7 +22,7 @@ struct Positions : ::testing::Test {
     for (int i = 0; i < 7; ++i) p.Let(names[i], v[i]);
   }
   std::vector<double> Fields() const {
-    return {pos->GetPosX(), pos->GetPosY(), pos->GetPosZ(), pos->GetRotX(),
+    return {pos->GetPosX(), pos->GetPosY(), pos->GetPosZ(),    pos->GetRotX(),
             pos->GetRotY(), pos->GetRotZ(), pos->GetRotAngle()};
   }
 };
@@ -67,7 +67,7 @@ TEST_F(Positions, ConvertsFourFieldsOnceEachWay) {
   const double degree = ToDouble(Page(app).Get("UnitsScale", 1));
   Fill(10, 20, -30, 0.5, 0.25, 1, 90);
   pos->LetAnchorPosX(7);
-  EXPECT_FALSE(ToBoolean(p.Call("ConvertUnitsFromSceneToMetric")));  // no page yet
+  EXPECT_FALSE(ToBoolean(p.Call("ConvertUnitsFromSceneToMetric")));             // no page yet
   EXPECT_FALSE(ToBoolean(p.Call("ConvertUnitsFromMetricToScene", Page(app))));  // already scene units
   EXPECT_TRUE(ToBoolean(p.Call("ConvertUnitsFromSceneToMetric")));
   EXPECT_EQ(pos->GetPosX(), 10 * 0.001 / 0.01);
@@ -104,12 +104,14 @@ TEST_F(Positions, WorldAndBackAgainThroughThreeLevels) {
     shape.Invoke("GetPointTransformUp", CallKind::Method, refs);
   }
   p.Call("GetWorldPosition");
-  for (int i = 0; i < 7; ++i) EXPECT_EQ(Fields()[static_cast<std::size_t>(i)], ToDouble(expected[static_cast<std::size_t>(i)])) << i;
+  for (int i = 0; i < 7; ++i)
+    EXPECT_EQ(Fields()[static_cast<std::size_t>(i)], ToDouble(expected[static_cast<std::size_t>(i)])) << i;
   EXPECT_GT(std::abs(pos->GetPosX() - 3), 1.0);
 
   Journal journal;
   p.Call("GetPositionFromWoldToParent", part);
-  for (int i = 0; i < 7; ++i) EXPECT_NEAR(Fields()[static_cast<std::size_t>(i)], start[static_cast<std::size_t>(i)], 1e-9) << i;
+  for (int i = 0; i < 7; ++i)
+    EXPECT_NEAR(Fields()[static_cast<std::size_t>(i)], start[static_cast<std::size_t>(i)], 1e-9) << i;
   // Going down the nameless top stays in the chain: it makes the first call.
   const auto downs = journal.Calls("GetPointTransformDown");
   ASSERT_EQ(downs.size(), 2u);
@@ -210,7 +212,7 @@ TEST_F(Positions, ZeroInheritAndHostOperations) {
   EXPECT_EQ(pos->GetAnchorRotZ(), 6.0);
 
   p.Set("Shape", extrude);
-  p.Call("Shift", 1.0, 2.0, 3.0, true);  // centimetres along the parent's axes
+  p.Call("Shift", 1.0, 2.0, 3.0, true);      // centimetres along the parent's axes
   EXPECT_NEAR(pos->GetPosX(), 10.0, 1e-12);  // read back in millimetres after the move
   EXPECT_NEAR(pos->GetPosZ(), 30.0, 1e-12);
   p.Call("Rotate", 3, 0.5);

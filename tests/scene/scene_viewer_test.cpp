@@ -41,7 +41,8 @@ std::string EverythingScene() {
        "knots": [0, 0, 0, 0, 1, 1, 1, 1], "weights": [1, 1, 1, 2]},
       {"type": 0, "variables": {"1": 0.0, "2": 0.0, "3": 1.5}}]}]}]})";
   return R"({"pages": [{"name": "Scene1", "root": {"name": "", "type": 1, "components": [
-    {"type": 18}, {"type": 2, "shapes": [)" + shapes + "]}]}}]}";
+    {"type": 18}, {"type": 2, "shapes": [)" +
+         shapes + "]}]}}]}";
 }
 
 bool Has(const std::vector<std::string>& lines, const std::string& line) {
@@ -55,7 +56,8 @@ TEST(SceneNames, ShapeComponentAndCurveTypes) {
   EXPECT_EQ(SceneModule::ShapeTypeName(0, false), "[Unknown Shape]");
   for (int code = 1; code <= 70; ++code) {
     const std::string name = SceneModule::ComponentTypeName(code);
-    EXPECT_EQ(name == "Unknown [" + std::to_string(code) + "]", kUnnamed.count(code) == 1 || code > 68) << code;
+    EXPECT_EQ(name == "Unknown [" + std::to_string(code) + "]", kUnnamed.count(code) == 1 || code > 68)
+        << code;
   }
   EXPECT_EQ(SceneModule::ComponentTypeName(9), "Attatchment Point");
   EXPECT_EQ(SceneModule::ComponentTypeName(0), "Unknown [0]");
@@ -70,16 +72,31 @@ TEST(SceneViewer, LabelsOfEveryKind) {
   SceneViewer viewer(Page(app));
   EXPECT_EQ(viewer.Name(), "frmScene");
   const std::string text = viewer.Text();
-  EXPECT_EQ(text.rfind("Top Shape\n  K1 (Assembly)\n  K2 (Facet)\n  K3 (Part)\n  K4 (Sweep)\n", 0), 0u) << text;
-  const char* kinds[] = {"Assembly", "Facet", "Part", "Sweep", "Extrude", "Spin", "Loft", "Brep", "2D Profile",
-                         "Bevel", "Sheet Metal Extrude", "Complex", "Sheet Metal Form Shape", "[Unknown Shape]"};
+  EXPECT_EQ(text.rfind("Top Shape\n  K1 (Assembly)\n  K2 (Facet)\n  K3 (Part)\n  K4 (Sweep)\n", 0), 0u)
+      << text;
+  const char* kinds[] = {"Assembly",
+                         "Facet",
+                         "Part",
+                         "Sweep",
+                         "Extrude",
+                         "Spin",
+                         "Loft",
+                         "Brep",
+                         "2D Profile",
+                         "Bevel",
+                         "Sheet Metal Extrude",
+                         "Complex",
+                         "Sheet Metal Form Shape",
+                         "[Unknown Shape]"};
   for (int kind = 1; kind <= 14; ++kind)
-    EXPECT_NE(text.find("\n  K" + std::to_string(kind) + " (" + kinds[kind - 1] + ")\n"), std::string::npos) << kind;
+    EXPECT_NE(text.find("\n  K" + std::to_string(kind) + " (" + kinds[kind - 1] + ")\n"), std::string::npos)
+        << kind;
   EXPECT_NE(text.find("\n  Sheet (Sheet Metal Part)\n"), std::string::npos);
-  EXPECT_NE(text.find("  Profiled (Extrude)\n    Profile Component\n      Profile Loop\n"
-                      "        Loop Curve (Line)\n        Loop Curve (Arc)\n        Loop Curve (Bezier)\n"
-                      "        Loop Curve (Ellipse)\n        Loop Curve (B-Spline)\n        Loop Curve (Fillet)\n"),
-            std::string::npos)
+  EXPECT_NE(
+      text.find("  Profiled (Extrude)\n    Profile Component\n      Profile Loop\n"
+                "        Loop Curve (Line)\n        Loop Curve (Arc)\n        Loop Curve (Bezier)\n"
+                "        Loop Curve (Ellipse)\n        Loop Curve (B-Spline)\n        Loop Curve (Fillet)\n"),
+      std::string::npos)
       << text;
 
   // Every component of the shape that has them all, by its type name.
@@ -107,12 +124,12 @@ TEST(SceneViewer, ProfileKeysAndDataDumps) {
   for (const auto& node : viewer.Nodes()) EXPECT_TRUE(keys.insert(node.key).second) << node.key;
 
   viewer.SelectNode(loop);
-  EXPECT_EQ(viewer.DetailList(), (std::vector<std::string>{"Outline Data", "Closed : True", "Construction : 0",
-                                                           "Number Of Curves : 6", "Start Point X : 0",
-                                                           "Start Point Y : 0"}));
+  EXPECT_EQ(viewer.DetailList(),
+            (std::vector<std::string>{"Outline Data", "Closed : True", "Construction : 0",
+                                      "Number Of Curves : 6", "Start Point X : 0", "Start Point Y : 0"}));
   viewer.SelectNode(loop + "\\Curve-1");
-  EXPECT_EQ(viewer.DetailList(), (std::vector<std::string>{"Curve Data", "X : 10", "Y : 0", "Start Trim : 0",
-                                                           "End Trim : 0"}));
+  EXPECT_EQ(viewer.DetailList(),
+            (std::vector<std::string>{"Curve Data", "X : 10", "Y : 0", "Start Trim : 0", "End Trim : 0"}));
   viewer.SelectNode(loop + "\\Curve-2");
   EXPECT_TRUE(Has(viewer.DetailList(), "H Factor : 0.5"));
   viewer.SelectNode(loop + "\\Curve-3");
@@ -122,9 +139,9 @@ TEST(SceneViewer, ProfileKeysAndDataDumps) {
   EXPECT_TRUE(Has(viewer.DetailList(), "X Pt. On Curve : 2"));
   viewer.SelectNode(loop + "\\Curve-5");
   const auto spline = viewer.DetailList();
-  for (const char* line : {"B-Spline Degree : 3", "B-Spline Closed : False", "B-Spline Fit Pts. : 0",
-                           "CtrlPtX(2) : 12", "CtrlPtY(3) : 8", "B-Spline Knots : 8", "Knot(5) : 1",
-                           "B-Spline Weights : 4", "Weight(4) : 2"})
+  for (const char* line :
+       {"B-Spline Degree : 3", "B-Spline Closed : False", "B-Spline Fit Pts. : 0", "CtrlPtX(2) : 12",
+        "CtrlPtY(3) : 8", "B-Spline Knots : 8", "Knot(5) : 1", "B-Spline Weights : 4", "Weight(4) : 2"})
     EXPECT_TRUE(Has(spline, line)) << line;
   viewer.SelectNode(loop + "\\Curve-6");
   EXPECT_TRUE(Has(viewer.DetailList(), "Radius : 1.5"));

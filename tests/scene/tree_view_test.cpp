@@ -30,7 +30,8 @@ struct LiteralTreeView {
       if (type == (container == 2 ? 1 : 3) && ToLong(shape.Get("Components", container).Get("Count")) > 0) {
         record();
         const Variant children = shape.Get("Components", container).Call("Item", 1).Get("Shapes");
-        for (std::int32_t i = 1; i <= ToLong(children.Get("Count")); ++i) Walk(children.Call("Item", i), depth + 1);
+        for (std::int32_t i = 1; i <= ToLong(children.Get("Count")); ++i)
+          Walk(children.Call("Item", i), depth + 1);
         return;
       }
     }
