@@ -18,6 +18,10 @@ int ImportBSplineRun(const std::vector<std::string>& args);
 extern const std::string_view kImportUsage;
 int ExportBomRun(const std::vector<std::string>& args);
 extern const std::string_view kExportUsage;
+int TreeRun(const std::vector<std::string>& args);
+extern const std::string_view kTreeUsage;
+int RegRun(const std::vector<std::string>& args);
+extern const std::string_view kRegUsage;
 }  // namespace TessarkAO::Cli
 
 namespace {
@@ -26,6 +30,8 @@ using namespace TessarkAO::Cli;
 
 const Command kCommands[] = {
     {"run", "run a Python script with the library and a reference-host scene", kRunUsage, &RunScript},
+    {"tree", "print the scene viewer's tree of a scene file", kTreeUsage, &TreeRun},
+    {"reg", "import, export, read and write the registry store", kRegUsage, &RegRun},
     {"import-bspline", "import a fit-point file as a B-spline into a scene", kImportUsage, &ImportBSplineRun},
     {"export-bom", "write a bill of materials from a CSV file to an .xlsx workbook", kExportUsage, &ExportBomRun},
 };

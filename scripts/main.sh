@@ -2,7 +2,8 @@
 # Sets up a fresh machine, builds the optimised library and runs the main job:
 # add-on tool sessions on the reference host that write what they made into
 # the output folder (default out/): the gear tooth's scene and SVG picture,
-# and a bill of materials exported to .xlsx.
+# a bill of materials exported to .xlsx, and a measured cam track imported
+# as a B-spline with its picture.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -20,5 +21,8 @@ if [ -f examples/bill_of_materials.py ]; then
   echo "== bill of materials"
   "$tktools" run examples/bill_of_materials.py --scene "$out/gear_scene.json" -- "$out"
 fi
+echo "== B-spline import"
+"$tktools" run examples/import_bspline.py --save "$out/cam_scene.json" -- "$out"
+echo "  scene: $out/cam_scene.json"
 echo "== made"
 ls -l "$out"

@@ -28,6 +28,7 @@ fail_step() {
   failed=$((failed + 1))
 }
 finish() {
+  exec 9>&-
   if [ -n "${WINEPREFIX:-}" ] && command -v wineserver >/dev/null; then
     wineserver -k >/dev/null 2>&1 || true
   fi
@@ -44,8 +45,18 @@ count() {
   skipped=$((skipped + $(grep -c '^SKIP ' <<<"$out")))
 }
 
-# Runs a Windows program and shows its output without carriage returns.
-run_wine() { wine "$@" 2>&1 | tr -d '\r'; return "${PIPESTATUS[0]}"; }
+# Runs a Windows program and shows its output without carriage returns.  The
+# output goes through a file, not a pipe: processes the program starts in the
+# prefix (the desktop, RPC) inherit its output and would hold a pipe open.
+run_wine() {
+  local log rc
+  log=$(mktemp /tmp/tessarkao-wine-out.XXXXXX)
+  wine "$@" >"$log" 2>&1 </dev/null
+  rc=$?
+  tr -d '\r' <"$log"
+  rm -f "$log"
+  return "$rc"
+}
 
 winpath() { local p=$1; echo "Z:${p//\//\\}"; }
 
@@ -77,6 +88,13 @@ else
   finish
 fi
 wait "$boot" || true
+# A program started when no other one runs waits about ten seconds for the
+# prefix's services (RPC, the desktop) to come up again.  One idle command
+# interpreter, reading a pipe that only this script holds open, keeps them up
+# for the whole leg; it ends with the script (or with wineserver -k).
+mkfifo "$WINEPREFIX/../keep-alive"
+wine cmd <"$WINEPREFIX/../keep-alive" >/dev/null 2>&1 &
+exec 9>"$WINEPREFIX/../keep-alive"
 bin=$root/$build/bin
 served=$root/$build/src/com/ServedClasses.txt
 x86_64-w64-mingw32-objdump -p "$bin/tktools.dll" | grep -q 'DLL Name: libstdc++\|DLL Name: libgcc\|DLL Name: libwinpthread' &&
@@ -132,6 +150,9 @@ fi
 out=$(run_wine "$bin/com_client_test.exe" --unregistered)
 echo "$out"
 count "$out"
+exec 9>&-
+wineserver -k >/dev/null 2>&1 || true
 rm -rf "$scripts_dir" "$(dirname "$WINEPREFIX")"
+unset WINEPREFIX
 note "done"
 finish

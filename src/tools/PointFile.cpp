@@ -1,12 +1,10 @@
 #include "tools/PointFile.hpp"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <memory>
 
 #include "automation/Convert.hpp"
 
@@ -97,15 +95,12 @@ Ref<TK2DArray> PointRows::ToTable() const {
 
 Ref<TK2DArray> ReadPointFile(const std::string& path) {
   if (path.empty() || path.find('\0') != std::string::npos) return nullptr;
-  int fd;
-  do fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  while (fd < 0 && errno == EINTR);
-  if (fd < 0) return nullptr;
-  struct stat st {};
-  if (::fstat(fd, &st) != 0 || S_ISDIR(st.st_mode)) {
-    ::close(fd);
-    return nullptr;
-  }
+  // Standard streams keep this the same on every platform; the blocks are
+  // large enough that the library's own buffering costs nothing measurable.
+  std::error_code ec;
+  if (std::filesystem::is_directory(path, ec)) return nullptr;
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
+  if (!file) return nullptr;
   PointRows rows;
   // Read in blocks; a line split across two blocks is carried over whole.
   std::string buffer;
@@ -113,13 +108,9 @@ Ref<TK2DArray> ReadPointFile(const std::string& path) {
   std::size_t kept = 0;
   while (true) {
     buffer.resize(kept + kBlock);
-    const ssize_t got = ::read(fd, buffer.data() + kept, kBlock);
-    if (got < 0 && errno == EINTR) {
-      buffer.resize(kept);
-      continue;
-    }
-    if (got <= 0) break;  // end of file, or a read error: keep what was read
-    const std::size_t filled = kept + static_cast<std::size_t>(got);
+    const std::size_t got = std::fread(buffer.data() + kept, 1, kBlock, file.get());
+    if (got == 0) break;  // end of file, or a read error: keep what was read
+    const std::size_t filled = kept + got;
     std::string_view text(buffer.data(), filled);
     const std::size_t lastEnd = text.find_last_of("\r\n");
     if (lastEnd == std::string_view::npos) {
@@ -130,7 +121,7 @@ Ref<TK2DArray> ReadPointFile(const std::string& path) {
     kept = filled - (lastEnd + 1);
     std::memmove(buffer.data(), buffer.data() + lastEnd + 1, kept);
   }
-  ::close(fd);
+  file.reset();
   ParseFitPointText(std::string_view(buffer.data(), kept), rows);
   return rows.ToTable();
 }

@@ -43,3 +43,19 @@ def test_bill_of_materials_is_sorted_and_exported(tmp_path):
     types = [sheet.cell(row=r, column=1).value for r in range(2, sheet.max_row + 1)]
     assert types == sorted(types, key=str.lower)
     assert "Extrude" in types and "Part" in types
+
+
+def test_cam_track_is_imported_as_a_closed_bspline(tmp_path):
+    scene = tmp_path / "cam.json"
+    out = run("import_bspline.py", "--save", str(scene), "--", str(tmp_path))
+    # 72 distinct points and the first repeated: closed, and the tool says so.
+    assert "cam track: 73 fit points from cam_track.txt, degree 3, closed: True" in out
+    assert out.count("message (") == 1 and "Import of B-Spline completed successfully." in out
+    svg = ET.parse(tmp_path / "cam_track.svg").getroot()
+    assert len(svg.findall("{http://www.w3.org/2000/svg}circle")) == 73
+    # A file with text where numbers belong is refused with the tool's message.
+    bad = tmp_path / "bad.txt"
+    bad.write_text("no numbers here\n")
+    r = subprocess.run([TKTOOLS, "run", os.path.join(EXAMPLES, "import_bspline.py"), "--", str(tmp_path), str(bad)],
+                       capture_output=True, text=True, timeout=300)
+    assert r.returncode == 1 and "message (" in r.stdout and "nothing was imported" in r.stderr

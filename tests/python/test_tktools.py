@@ -80,3 +80,131 @@ def test_script_failures_and_exit_status(tmp_path):
     assert r.returncode == 1 and "cannot load the scene" in r.stderr
     r = tktools("run", write(tmp_path / "ok3.py", "pass\n"), "--save", str(tmp_path / "no" / "dir" / "x.json"))
     assert r.returncode == 1 and "cannot save the scene" in r.stderr
+
+
+def scene_with_pages(tmp_path):
+    """Two pages: an assembly holding a part on the first, a part on the second."""
+    import tessarkao as tk
+
+    app = tk.refhost.new_application()
+    group = app.ActivePage.Shape.Components(2).Item(1)
+    assembly = group.Shapes(1).Add()
+    assembly.Name = "Frame"
+    assembly.Components(2).Item(1).Shapes(3).Add().Name = "Bracket"
+    group.Shapes(3).Add().Name = "Plate"
+    second = app.Pages.Add("Drawing")
+    second.Shape.Components(2).Item(1).Shapes(3).Add().Name = "Pin"
+    path = tmp_path / "scene.json"
+    tk.refhost.save(app, str(path))
+    return str(path)
+
+
+def test_tree_prints_the_viewer_tree_of_a_page(tmp_path):
+    scene = scene_with_pages(tmp_path)
+    r = tktools("tree", scene)
+    assert (r.returncode, r.stderr) == (0, "")
+    assert r.stdout == "Top Shape\n  Frame (Assembly)\n    Bracket (Part)\n  Plate (Part)\n"
+    r = tktools("tree", scene, "--page", "Drawing")
+    assert (r.returncode, r.stdout) == (0, "Top Shape\n  Pin (Part)\n")
+    r = tktools("tree", scene, "--page=all")
+    assert r.stdout.splitlines()[0] == "== page Scene1"
+    assert r.stdout.splitlines()[5:] == ["== page Drawing", "Top Shape", "  Pin (Part)"]
+    r = tktools("tree", scene, "--page", "Elsewhere")
+    assert r.returncode == 1 and r.stderr == "tktools tree: the scene has no page 'Elsewhere'\n"
+    r = tktools("tree", write(tmp_path / "broken.json", '{"format": "tessarkao-scene", "pages": ['))
+    assert r.returncode == 1 and r.stderr.startswith("tktools tree: cannot load the scene: ")
+    assert tktools("tree").returncode == 2
+
+
+def test_reg_set_get_export_and_import(tmp_path):
+    store = ["--registry", str(tmp_path / "reg.sqlite3")]
+    key = "HKCU\\Software\\Tessark\\Tools"
+    assert tktools("reg", "set", key, "Title", 'say "hi"\\there', *store).returncode == 0
+    assert tktools("reg", "set", key, "Count", "0x2a", "--dword", *store).returncode == 0
+    assert tktools("reg", "set", key, "Raw", "hex(1):61,62", "--reg-data", *store).returncode == 0
+    assert tktools("reg", "set", key, "@", "default", *store).returncode == 0
+    get = lambda name: tktools("reg", "get", "HKEY_CURRENT_USER\\software\\TESSARK\\tools", name, *store)
+    assert [get(n).stdout for n in ("Title", "Count", "Raw", "@")] == ['say "hi"\\there\n', "42\n", "ab\n", "default\n"]
+
+    r = tktools("reg", "export", "HKCU\\Software\\Tessark", *store)
+    assert r.returncode == 0
+    lines = r.stdout.replace("\r\n", "\n").splitlines()
+    assert lines[0] == "REGEDIT4" and "[HKEY_CURRENT_USER\\Software\\Tessark\\Tools]" in lines
+    # Strings written by set carry their NUL and export as quoted strings;
+    # the value written without it keeps the hex(1) form.
+    assert '"Title"="say \\"hi\\"\\\\there"' in lines and '"Count"=dword:0000002a' in lines
+    assert '"Raw"=hex(1):61,62' in lines and '@="default"' in lines
+
+    # The export imported into a fresh store gives the same export.
+    exported = tmp_path / "tools.reg"
+    exported.write_text(r.stdout)
+    other = ["--registry", str(tmp_path / "other.sqlite3")]
+    assert tktools("reg", "import", str(exported), *other).returncode == 0
+    assert tktools("reg", "export", "HKCU\\Software\\Tessark", *other).stdout == r.stdout
+
+    # A broken file changes nothing and names its line.
+    bad = write(tmp_path / "bad.reg", "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Tessark\\Tools]\n\"New\"=\"x\"\n\"Count\"=dword:zz\n")
+    r = tktools("reg", "import", bad, *store)
+    assert r.returncode == 1 and "line 5" in r.stderr and len(r.stderr.splitlines()) == 1
+    assert get("New").returncode == 1
+
+
+@pytest.mark.parametrize(
+    "args, status, reason",
+    [
+        (["reg"], 2, "tktools reg: which action"),
+        (["reg", "frob"], 2, "tktools reg: unknown action 'frob'"),
+        (["reg", "get", "HKXX\\Software", "v"], 2, "tktools reg: 'HKXX\\Software' does not start with a root key"),
+        (["reg", "set", "HKCU\\A", "v", "12x", "--dword"], 2, "tktools reg: '12x' is not a dword"),
+        (["reg", "set", "HKCU\\A", "v", "dword:1", "--dword", "--reg-data"], 2, "tktools reg: --dword and --reg-data"),
+        (["reg", "set", "HKCU\\A", "v", "word:1", "--reg-data"], 2, "tktools reg: 'word:1' is not value data"),
+        (["reg", "set", "HKCU", "v", "x"], 2, "tktools reg: values are not written straight below a root key"),
+        (["reg", "get", "HKCU\\Nowhere", "v"], 1, "tktools reg: no key HKCU\\Nowhere"),
+        (["reg", "import", "/nonexistent.reg"], 1, "tktools reg: the registry store answered"),
+    ],
+)
+def test_reg_wrong_calls(tmp_path, args, status, reason):
+    r = tktools(*args, "--registry", str(tmp_path / "reg.sqlite3"))
+    assert r.returncode == status
+    assert len(r.stderr.splitlines()) == 1 and r.stderr.startswith(reason), r.stderr
+
+
+def test_import_bspline_into_a_scene_file(tmp_path):
+    scene = scene_with_pages(tmp_path)
+    points = write(tmp_path / "points.txt", "X\tY\tZ\n0\t0\t0\n10\t5\t0\n20\t0\t0\n30\t-5\t0\n")
+    out = str(tmp_path / "out.json")
+    r = tktools("import-bspline", points, "--scene", scene, "--select", "Scene1//Frame//Bracket", "--save", out)
+    assert r.returncode == 0 and "Import of B-Spline completed successfully." in r.stderr
+    # The curve is a path component of the selected part (the viewer's tree
+    # shows only profile components, so the file itself is read).
+    root = json.loads(open(out).read())["pages"][0]["root"]
+    frame = root["components"][1]["shapes"][0]
+    bracket = next(c for c in frame["components"] if c["type"] == 2)["shapes"][0]
+    paths = [c for c in bracket["components"] if c["type"] == 3]
+    assert bracket["name"] == "Bracket" and len(paths) == 1
+    assert paths[0]["curves"][0]["fitPoints"] == [[0.0, 0.0], [10.0, 5.0], [20.0, 0.0], [30.0, -5.0]]
+    # The messages the dialog shows are echoed; the last line is the reason.
+    r = tktools("import-bspline", write(tmp_path / "none.txt", "a b c\n"), "--scene", scene, "--select", "Plate")
+    assert r.returncode == 1
+    assert r.stderr.splitlines()[-1] == "tktools import-bspline: The file does not contain valid B-Spline point data."
+    r = tktools("import-bspline", points, "--scene", scene, "--select", "Nothing")
+    assert r.returncode == 1 and "no shape 'Nothing'" in r.stderr
+
+
+def test_export_bom_from_csv(tmp_path):
+    import openpyxl
+
+    csv = write(tmp_path / "bom.csv", 'Item,Qty,Description\n1,4,"Bolt, M8 x 40"\n2,12.5,"Washer ""A"""\n')
+    out = tmp_path / "bom.xlsx"
+    r = tktools("export-bom", csv, str(out))
+    assert (r.returncode, r.stderr) == (0, "")
+    ws = openpyxl.load_workbook(out).worksheets[0]
+    assert [[c.value for c in row] for row in ws.iter_rows()] == [
+        ["Item", "Qty", "Description"],
+        [1, 4, "Bolt, M8 x 40"],
+        [2, 12.5, 'Washer "A"'],
+    ]
+    assert ws["A1"].font.b and not ws["A2"].font.b
+    wide = write(tmp_path / "wide.csv", ",".join(str(i) for i in range(27)) + "\n")
+    r = tktools("export-bom", wide, str(tmp_path / "wide.xlsx"))
+    assert r.returncode == 1 and "at most 26 columns" in r.stderr

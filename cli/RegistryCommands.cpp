@@ -1,0 +1,237 @@
+// tktools reg: the library's registry store from the shell.
+//
+// Every change goes through the store's REGEDIT4 import, so a `set` is one
+// durable transaction with the same checks as a .reg file.
+#include <cinttypes>
+#include <cstdio>
+#include <memory>
+
+#include "Command.hpp"
+#include "platform/RegFile.hpp"
+#include "platform/Registry.hpp"
+
+namespace TessarkAO::Cli {
+
+extern const std::string_view kRegUsage;
+const std::string_view kRegUsage =
+    "usage: tktools reg import FILE.reg\n"
+    "       tktools reg export [KEY]\n"
+    "       tktools reg get KEY VALUE\n"
+    "       tktools reg set KEY VALUE DATA [--dword | --reg-data]\n"
+    "\n"
+    "Reads and writes the registry store the library uses ($TESSARKAO_REGISTRY, else\n"
+    "$XDG_CONFIG_HOME/tessarkao/registry.sqlite3).\n"
+    "\n"
+    "  import   applies a REGEDIT4 file in one transaction, or nothing\n"
+    "  export   prints KEY and everything below it as a REGEDIT4 file (every root\n"
+    "           when KEY is not given)\n"
+    "  get      prints the data of VALUE: text for strings, a decimal number for\n"
+    "           dword and qword values, two-digit hex bytes for the others\n"
+    "  set      writes DATA into VALUE, creating the key when needed: as a string\n"
+    "           (with its terminating NUL, as the registry editor writes it), as a\n"
+    "           dword with --dword (decimal, or hex after 0x), or in the notation of\n"
+    "           a .reg file with --reg-data (dword:0000000c, hex:01,02, hex(1):61,62)\n"
+    "\n"
+    "KEY starts with a root, long or short: HKEY_CURRENT_USER\\Software\\Tessark or\n"
+    "HKCU\\Software\\Tessark (also HKEY_LOCAL_MACHINE / HKLM, HKEY_CLASSES_ROOT /\n"
+    "HKCR).  VALUE @ is the key's default value.\n"
+    "\n"
+    "options:\n"
+    "  --registry FILE   use this store file instead\n"
+    "  -h, --help        show this text\n"
+    "\n"
+    "Exit status: 0 done, 1 the store refused (or, for get, there is no such value),\n"
+    "2 for a wrong call.\n";
+
+namespace {
+
+struct KeyName {
+  RegHandle root = 0;
+  std::string path;
+};
+
+KeyName ParseKey(const std::string& text) {
+  const std::size_t slash = text.find('\\');
+  KeyName key;
+  key.root = RegistryRootFromName(std::string_view(text).substr(0, slash));
+  if (key.root == 0)
+    throw UsageError("'" + text + "' does not start with a root key (HKEY_CURRENT_USER, HKCU, ...)");
+  if (slash != std::string::npos) key.path = text.substr(slash + 1);
+  while (!key.path.empty() && key.path.back() == '\\') key.path.pop_back();
+  return key;
+}
+
+std::string ValueName(const std::string& text) { return text == "@" ? std::string() : text; }
+
+std::string StoreFailure(const RegistryStore& store, RegStatus status) {
+  std::string reason = "the registry store answered " + std::to_string(status);
+  if (!store.LastError().empty()) reason += ": " + store.LastError();
+  return reason;
+}
+
+class Store {
+ public:
+  explicit Store(const Arguments& args) {
+    if (args.Has("--registry")) {
+      own_ = OpenRegistryStore(args.Value("--registry"));
+      store_ = own_.get();
+    } else {
+      store_ = &GetRegistry();
+    }
+  }
+  RegistryStore& operator*() const { return *store_; }
+  RegistryStore* operator->() const { return store_; }
+
+ private:
+  std::unique_ptr<RegistryStore> own_;
+  RegistryStore* store_ = nullptr;
+};
+
+// The data of one value as `get` prints it.
+std::string FormatData(std::uint32_t type, const std::vector<std::uint8_t>& data) {
+  auto little = [&](std::size_t n) {
+    std::uint64_t v = 0;
+    for (std::size_t i = n; i-- > 0;) v = (v << 8) | (i < data.size() ? data[i] : 0);
+    return v;
+  };
+  switch (type) {
+    case RegType::String:
+    case RegType::ExpandString: {
+      std::string text(data.begin(), data.end());
+      if (!text.empty() && text.back() == '\0') text.pop_back();
+      return text;
+    }
+    case RegType::MultiString: {
+      std::string text;
+      for (std::uint8_t b : data) text.push_back(b == 0 ? '\n' : static_cast<char>(b));
+      while (!text.empty() && text.back() == '\n') text.pop_back();
+      return text;
+    }
+    case RegType::Dword:
+      if (data.size() == 4) return std::to_string(little(4));
+      break;
+    case RegType::Qword:
+      if (data.size() == 8) return std::to_string(little(8));
+      break;
+    default:
+      break;
+  }
+  std::string hex;
+  char buf[4];
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    std::snprintf(buf, sizeof buf, i ? ",%02x" : "%02x", data[i]);
+    hex += buf;
+  }
+  return hex;
+}
+
+// The value for `set`: DATA as a string, a dword, or in .reg notation.
+RegFileValue MakeValue(const Arguments& args, const std::string& name, const std::string& data) {
+  RegFileValue value;
+  value.name = name;
+  if (args.Has("--dword") && args.Has("--reg-data")) throw UsageError("--dword and --reg-data exclude each other");
+  if (args.Has("--reg-data")) {
+    // The notation is checked by the .reg parser itself, on a one-value file.
+    std::vector<RegFileKey> keys;
+    std::string error;
+    if (!ParseRegFile("REGEDIT4\n[HKEY_CURRENT_USER\\x]\n\"v\"=" + data + "\n", keys, error) ||
+        keys.size() != 1 || keys[0].values.size() != 1 || keys[0].values[0].remove)
+      throw UsageError("'" + data + "' is not value data of a .reg file (dword:0000000c, hex:01,02, \"text\")");
+    value.type = keys[0].values[0].type;
+    value.data = keys[0].values[0].data;
+  } else if (args.Has("--dword")) {
+    const bool hex = data.size() > 2 && data[0] == '0' && (data[1] == 'x' || data[1] == 'X');
+    const std::string digits = hex ? data.substr(2) : data;
+    std::uint64_t n = 0;
+    bool ok = !digits.empty() && digits.size() <= 10;
+    for (char c : digits) {
+      int d = c >= '0' && c <= '9' ? c - '0' : hex && c >= 'a' && c <= 'f' ? c - 'a' + 10
+                                             : hex && c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+      if (d < 0) ok = false;
+      n = n * (hex ? 16 : 10) + static_cast<std::uint64_t>(d < 0 ? 0 : d);
+    }
+    if (!ok || n > 0xFFFFFFFFull) throw UsageError("'" + data + "' is not a dword (0 to 4294967295, or 0x0 to 0xffffffff)");
+    value.type = RegType::Dword;
+    for (int i = 0; i < 4; ++i) value.data.push_back(static_cast<std::uint8_t>(n >> (8 * i)));
+  } else {
+    value.type = RegType::String;
+    value.data.assign(data.begin(), data.end());
+    value.data.push_back(0);
+  }
+  return value;
+}
+
+int RegImport(const Arguments& args) {
+  if (args.Positionals().size() != 2) throw UsageError("reg import needs one FILE.reg");
+  Store store(args);
+  const RegStatus status = store->ImportRegFile(args.Positionals()[1]);
+  if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
+  return 0;
+}
+
+int RegExport(const Arguments& args) {
+  if (args.Positionals().size() > 2) throw UsageError("reg export takes at most one KEY");
+  KeyName key;
+  if (args.Positionals().size() == 2) key = ParseKey(args.Positionals()[1]);
+  Store store(args);
+  std::string text;
+  const RegStatus status = store->ExportRegText(key.root, key.path, text);
+  if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  return 0;
+}
+
+int RegGet(const Arguments& args) {
+  if (args.Positionals().size() != 3) throw UsageError("reg get needs KEY and VALUE");
+  const KeyName key = ParseKey(args.Positionals()[1]);
+  const std::string name = ValueName(args.Positionals()[2]);
+  Store store(args);
+  RegHandle handle = 0;
+  RegStatus status = store->OpenKey(key.root, key.path, RegAccess::Read, handle);
+  if (status == WinError::FileNotFound) throw CommandError("no key " + args.Positionals()[1]);
+  if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
+  std::uint32_t type = 0, size = 0;
+  status = store->QueryValue(handle, name, &type, nullptr, &size);
+  std::vector<std::uint8_t> data(size);
+  if (status == WinError::Success && size > 0) status = store->QueryValue(handle, name, &type, data.data(), &size);
+  store->CloseKey(handle);
+  if (status == WinError::FileNotFound)
+    throw CommandError("no value '" + args.Positionals()[2] + "' in " + args.Positionals()[1]);
+  if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
+  data.resize(size);
+  std::printf("%s\n", FormatData(type, data).c_str());
+  return 0;
+}
+
+int RegSet(const Arguments& args) {
+  if (args.Positionals().size() != 4) throw UsageError("reg set needs KEY, VALUE and DATA");
+  RegFileKey section;
+  const KeyName key = ParseKey(args.Positionals()[1]);
+  if (key.path.empty()) throw UsageError("values are not written straight below a root key");
+  section.root = key.root;
+  section.path = key.path;
+  section.values.push_back(MakeValue(args, ValueName(args.Positionals()[2]), args.Positionals()[3]));
+  std::string text(kRegFileHeader);
+  AppendRegFileKey(text, section);
+  Store store(args);
+  const RegStatus status = store->ImportRegText(text);
+  if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
+  return 0;
+}
+
+}  // namespace
+
+int RegRun(const std::vector<std::string>& raw) {
+  const Arguments args(raw, {"--registry"}, {"--dword", "--reg-data"});
+  if (args.Positionals().empty()) throw UsageError("which action: import, export, get or set?");
+  const std::string& action = args.Positionals().front();
+  if ((args.Has("--dword") || args.Has("--reg-data")) && action != "set")
+    throw UsageError("--dword and --reg-data go with set");
+  if (action == "import") return RegImport(args);
+  if (action == "export") return RegExport(args);
+  if (action == "get") return RegGet(args);
+  if (action == "set") return RegSet(args);
+  throw UsageError("unknown action '" + action + "' (import, export, get or set)");
+}
+
+}  // namespace TessarkAO::Cli
