@@ -32,12 +32,15 @@ void FinishWithSizebox(const Variant& shape, const std::int16_t (&values)[9]) {
   for (int i = 0; i < 9; ++i) Host::LetVariableValue(sizebox, kVariables[i], Variant(values[i]));
 }
 
+Variant FeatureContainer(const Variant& parent, const Variant& position) {
+  if (Host::TypeOf(parent) != Host::ShapeType::Assembly) return parent;
+  Variant part = AddShape(parent, ShapeKind::Part);
+  Place(position, part, true);
+  return part;
+}
+
 Variant SheetMetalContainer(const Variant& parent, const Variant& position) {
-  Variant container = parent;
-  if (Host::TypeOf(parent) == Host::ShapeType::Assembly) {
-    container = AddShape(parent, ShapeKind::Part);
-    Place(position, container, true);
-  }
+  Variant container = FeatureContainer(parent, position);
   LookupComponent(container, Component::SheetMetalPart);
   return container;
 }

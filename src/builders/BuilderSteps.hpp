@@ -37,8 +37,10 @@ constexpr std::int32_t Curved = 2;
 constexpr std::int32_t Conic = 3;
 }  // namespace StockForm
 
-// The size-box values Finish sends for sheet-metal features (variable 6
-// receives 1, the host's parameter for sheet-metal stock).
+// The size-box values Finish sends: for an extrude, and for sheet-metal
+// features, where variable 6 receives 1 (the host's parameter for
+// sheet-metal stock).
+inline constexpr std::int16_t kExtrudeSizebox[9] = {1, 1, 1, 1, 0, 0, 0, 0, 0};
 inline constexpr std::int16_t kSheetMetalSizebox[9] = {1, 1, 1, 1, 0, 0, 0, 1, 0};
 
 // A new shape of `kind` in the shape collection that receives the children of
@@ -61,11 +63,14 @@ void Place(const Variant& position, const Variant& shape, bool zeroAfterPlacing)
 // (the host's parameters, sent exactly as listed).
 void FinishWithSizebox(const Variant& shape, const std::int16_t (&values)[9]);
 
-// The container a sheet-metal feature is added to: for a parent of type 1
-// (an assembly) a new part (3) made in it and placed by the builder's
-// position, which is then zeroed; for any other parent the parent itself.
-// Either way the container's sheet-metal part component (62) is looked up,
-// so that a plain part becomes a sheet-metal part.
+// The container a feature is added to: for a parent of type 1 (an assembly)
+// a new part (3) made in it and placed by the builder's position, which is
+// then zeroed (and stays zeroed); for any other parent the parent itself.
+Variant FeatureContainer(const Variant& parent, const Variant& position);
+
+// The container of a sheet-metal feature: FeatureContainer, whose sheet-metal
+// part component (62) is then looked up, so that a plain part becomes a
+// sheet-metal part.
 Variant SheetMetalContainer(const Variant& parent, const Variant& position);
 
 // Raises 5 (invalid procedure call or argument) unless `value` is at least

@@ -24,17 +24,14 @@
 // The cone's axis is the stock's Z axis; the bottom circle lies in its XY
 // plane and the top one Height above it.  Lengths are in the page's length
 // units; radii are those of the inside face.
+// UserName, Position, Part and Finish are those of PlacedBuilder.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
-#include "automation/Members.hpp"
-#include "frame/Globals.hpp"
+#include "builders/BuilderBase.hpp"
 
 namespace TessarkAO {
 
-class TKSMConicShape final : public Dispatch<TKSMConicShape> {
+class TKSMConicShape final : public PlacedBuilder<TKSMConicShape> {
  public:
   static constexpr std::string_view kClassName = "TKSMConicShape";
   static void Describe(ClassBuilder<TKSMConicShape>& b);
@@ -42,13 +39,6 @@ class TKSMConicShape final : public Dispatch<TKSMConicShape> {
   // The default user name is string 122 ("Sheet Metal") of the shared localizer.
   TKSMConicShape();
 
-  // The name the created shape receives.
-  std::string GetUserName() const { return userName_; }
-  void LetUserName(std::string name) { userName_ = std::move(name); }
-  // The builder's own TKPosition.  Assigning copies the given position's
-  // placement into it (InheritPosition); the caller's object is not kept.
-  Ref<Object> GetPosition() const { return position_; }
-  void SetPosition(Ref<Object> position);
   // The radius of the top circle, default 0.5; raises 5 when negative (0
   // makes a pointed cone).
   double GetTopRadius() const { return topRadius_; }
@@ -62,22 +52,14 @@ class TKSMConicShape final : public Dispatch<TKSMConicShape> {
   // The sheet thickness, default 0.1; raises 5 unless above 0.
   double GetThickness() const { return thickness_; }
   void LetThickness(double thickness);
-  // The created stock shape; Nothing before Create.
-  Variant GetPart() const { return shape_; }
-  void Finish();
   // Makes the conic stock as described above and returns it.
   Variant Create(Variant parent);
 
  private:
-  InstanceRegistration registration_;
-  Variant shape_ = Variant::Nothing();
-  bool created_ = false;
-  Ref<Object> position_;
   double topRadius_ = 0.5;
   double bottomRadius_ = 1.0;
   double height_ = 1.0;
   double thickness_ = 0.1;
-  std::string userName_;
 };
 
 }  // namespace TessarkAO

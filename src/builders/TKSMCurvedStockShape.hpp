@@ -23,17 +23,15 @@
 //   ResetSizeBox, then the size-box variables 15, 8, 9, 10, 14, 4, 5, 6, 7
 //   with 1, 1, 1, 1, 0, 0, 0, 1, 0.  Before Create it makes no host call.
 // Lengths are in the page's length units; the sweep angle is in radians.
+// UserName, Position, PathComponents (holding the drawn arc), Part and Finish
+// are those of PlacedBuilder.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
-#include "automation/Members.hpp"
-#include "frame/Globals.hpp"
+#include "builders/BuilderBase.hpp"
 
 namespace TessarkAO {
 
-class TKSMCurvedStockShape final : public Dispatch<TKSMCurvedStockShape> {
+class TKSMCurvedStockShape final : public PlacedBuilder<TKSMCurvedStockShape> {
  public:
   static constexpr std::string_view kClassName = "TKSMCurvedStockShape";
   static void Describe(ClassBuilder<TKSMCurvedStockShape>& b);
@@ -41,13 +39,6 @@ class TKSMCurvedStockShape final : public Dispatch<TKSMCurvedStockShape> {
   // The default user name is string 122 ("Sheet Metal") of the shared localizer.
   TKSMCurvedStockShape();
 
-  // The name the created shape receives.
-  std::string GetUserName() const { return userName_; }
-  void LetUserName(std::string name) { userName_ = std::move(name); }
-  // The builder's own TKPosition.  Assigning copies the given position's
-  // placement into it (InheritPosition); the caller's object is not kept.
-  Ref<Object> GetPosition() const { return position_; }
-  void SetPosition(Ref<Object> position);
   // The inside radius of the curve, default 1.0; raises 5 unless above 0.
   double GetRadius() const { return radius_; }
   void LetRadius(double radius);
@@ -64,26 +55,14 @@ class TKSMCurvedStockShape final : public Dispatch<TKSMCurvedStockShape> {
   // The sheet thickness, default 0.1; raises 5 unless above 0.
   double GetThickness() const { return thickness_; }
   void LetThickness(double thickness);
-  // The path collection of the stock's profile, holding the drawn arc;
-  // Nothing before Create.
-  Variant GetPathComponents() const { return pathComponents_; }
-  // The created stock shape; Nothing before Create.
-  Variant GetPart() const { return shape_; }
-  void Finish();
   // Makes the stock shape as described above and returns it.
   Variant Create(Variant parent);
 
  private:
-  InstanceRegistration registration_;
-  Variant shape_ = Variant::Nothing();
-  bool created_ = false;
-  Ref<Object> position_;
-  Variant pathComponents_ = Variant::Nothing();
   double radius_ = 1.0;
   double sweepAngle_ = 3.14159265358979 / 180 * 90;
   double width_ = 1.0;
   double thickness_ = 0.1;
-  std::string userName_;
 };
 
 }  // namespace TessarkAO

@@ -1,34 +1,21 @@
 #include "builders/TKSMFormingShape.hpp"
 
 #include "automation/AutomationError.hpp"
-#include "automation/Catalogue.hpp"
-#include "builders/BuilderSteps.hpp"
-#include "frame/StringTable.hpp"
-#include "host/HostModel.hpp"
 
 namespace TessarkAO {
 
 void TKSMFormingShape::Describe(ClassBuilder<TKSMFormingShape>& b) {
   using C = TKSMFormingShape;
-  b.Property<&C::GetUserName, &C::LetUserName>("UserName")
-      .PropertyRef<&C::GetPosition, &C::SetPosition>("Position")
+  DescribeUserName(b);
+  DescribePosition(b)
       .Property<&C::GetDepth, &C::LetDepth>("Depth")
       .Property<&C::GetPunchRadius, &C::LetPunchRadius>("PunchRadius")
       .Property<&C::GetDieRadius, &C::LetDieRadius>("DieRadius")
-      .Property<&C::GetDirection, &C::LetDirection>("Direction")
-      .Get<&C::GetPathComponents>("PathComponents")
-      .Get<&C::GetPart>("Part")
-      .Method<&C::Finish>("Finish")
-      .Method<&C::Create>("Create", Names{"Parent"});
+      .Property<&C::GetDirection, &C::LetDirection>("Direction");
+  DescribeClosing(b, /*pathComponents=*/true, /*part=*/true);
 }
 
-TKSMFormingShape::TKSMFormingShape()
-    : position_(CreateObject("TessarkAO.TKPosition")),
-      userName_(Globals::LoadString(StringId::SheetMetalName)) {}
-
-void TKSMFormingShape::SetPosition(Ref<Object> position) {
-  Variant(position_).Call("InheritPosition", position);
-}
+TKSMFormingShape::TKSMFormingShape() : PlacedBuilder(StringId::SheetMetalName) {}
 
 void TKSMFormingShape::LetDepth(double depth) {
   BuilderSteps::RequireAtLeast(depth, 0.0, true);
@@ -53,26 +40,15 @@ void TKSMFormingShape::LetDirection(ESheetMetalFormDirections direction) {
 
 Variant TKSMFormingShape::Create(Variant parent) {
   using namespace BuilderSteps;
-  const Variant position(position_);
-  const Variant container = SheetMetalContainer(parent, position);
-  Variant shape = AddShape(container, ShapeKind::SheetMetalForm);
+  const Variant shape = AddShape(SheetMetalContainer(parent, Position()), ShapeKind::SheetMetalForm);
   shape.Call("Initialize");
-  Place(position, shape, false);
-  shape.Let("Name", userName_);
+  PlaceAndName(shape);
   const Variant form = LookupComponent(shape, Component::SheetMetalForm);
   Host::LetVariableValue(form, 1, std::int32_t{direction_});
   Host::LetVariableValue(form, 2, depth_);
   Host::LetVariableValue(form, 3, punchRadius_);
   Host::LetVariableValue(form, 4, dieRadius_);
-  pathComponents_ = ProfilePaths(shape);
-  shape_ = shape;
-  created_ = true;
-  return shape;
-}
-
-void TKSMFormingShape::Finish() {
-  if (!created_) return;
-  BuilderSteps::FinishWithSizebox(shape_, BuilderSteps::kSheetMetalSizebox);
+  return Keep(shape, ProfilePaths(shape));
 }
 
 }  // namespace TessarkAO

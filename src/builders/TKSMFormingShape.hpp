@@ -18,13 +18,11 @@
 //   ResetSizeBox, then the size-box variables 15, 8, 9, 10, 14, 4, 5, 6, 7
 //   with 1, 1, 1, 1, 0, 0, 0, 1, 0.  Before Create it makes no host call.
 // Lengths are in the page's length units, as the host holds them.
+// UserName, Position, PathComponents, Part and Finish are those of
+// PlacedBuilder.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
-#include "automation/Members.hpp"
-#include "frame/Globals.hpp"
+#include "builders/BuilderBase.hpp"
 
 namespace TessarkAO {
 
@@ -34,7 +32,7 @@ enum ESheetMetalFormDirections : std::int32_t {
   SheetMetalFormDirection_Down = 2,
 };
 
-class TKSMFormingShape final : public Dispatch<TKSMFormingShape> {
+class TKSMFormingShape final : public PlacedBuilder<TKSMFormingShape> {
  public:
   static constexpr std::string_view kClassName = "TKSMFormingShape";
   static void Describe(ClassBuilder<TKSMFormingShape>& b);
@@ -42,13 +40,6 @@ class TKSMFormingShape final : public Dispatch<TKSMFormingShape> {
   // The default user name is string 122 ("Sheet Metal") of the shared localizer.
   TKSMFormingShape();
 
-  // The name the created shape receives.
-  std::string GetUserName() const { return userName_; }
-  void LetUserName(std::string name) { userName_ = std::move(name); }
-  // The builder's own TKPosition.  Assigning copies the given position's
-  // placement into it (InheritPosition); the caller's object is not kept.
-  Ref<Object> GetPosition() const { return position_; }
-  void SetPosition(Ref<Object> position);
   // How far the tool presses the sheet, default 0.25; raises 5 unless above 0.
   double GetDepth() const { return depth_; }
   void LetDepth(double depth);
@@ -63,26 +54,14 @@ class TKSMFormingShape final : public Dispatch<TKSMFormingShape> {
   // Up (1, the default) or Down (2); any other value raises 5.
   ESheetMetalFormDirections GetDirection() const { return direction_; }
   void LetDirection(ESheetMetalFormDirections direction);
-  // The path collection of the form's profile, where the footprint is drawn;
-  // Nothing before Create.
-  Variant GetPathComponents() const { return pathComponents_; }
-  // The created form shape; Nothing before Create.
-  Variant GetPart() const { return shape_; }
-  void Finish();
   // Makes the form shape as described above and returns it.
   Variant Create(Variant parent);
 
  private:
-  InstanceRegistration registration_;
-  Variant shape_ = Variant::Nothing();
-  bool created_ = false;
-  Ref<Object> position_;
-  Variant pathComponents_ = Variant::Nothing();
   double depth_ = 0.25;
   double punchRadius_ = 0.0625;
   double dieRadius_ = 0.0625;
   ESheetMetalFormDirections direction_ = SheetMetalFormDirection_Up;
-  std::string userName_;
 };
 
 }  // namespace TessarkAO
