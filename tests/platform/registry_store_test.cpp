@@ -66,7 +66,15 @@ TEST_F(RegistryStoreTest, MissingFileIsAnEmptyStoreCreatedOnFirstWrite) {
   std::string text;
   EXPECT_EQ(store->ExportRegText(0, "", text), 0);
   EXPECT_EQ(text, kRegFileHeader);
-  EXPECT_FALSE(std::filesystem::exists(path)) << "reads must not create the file";
+  EXPECT_EQ(store->ExportRegText(kHkeyCurrentUser, "SOFTWARE", text), WinError::FileNotFound);
+  std::string name;
+  EXPECT_EQ(store->EnumKey(kHkeyCurrentUser, 0, name), WinError::NoMoreItems);
+  EXPECT_EQ(store->EnumValue(kHkeyCurrentUser, 0, name, nullptr, nullptr), WinError::NoMoreItems);
+  EXPECT_EQ(store->DeleteValue(kHkeyCurrentUser, "v"), WinError::FileNotFound);
+  EXPECT_EQ(store->DeleteKey(kHkeyCurrentUser, "SOFTWARE"), WinError::FileNotFound);
+  EXPECT_EQ(store->DeleteTree(kHkeyCurrentUser, "SOFTWARE"), WinError::FileNotFound);
+  EXPECT_EQ(store->DeleteTree(kHkeyCurrentUser, ""), 0);  // nothing to empty
+  EXPECT_FALSE(std::filesystem::exists(path)) << "reads and deletions must not create the file";
 
   ASSERT_EQ(store->CreateKey(kHkeyCurrentUser, "SOFTWARE\\Tessark", h), 0) << store->LastError();
   EXPECT_TRUE(std::filesystem::exists(path));
@@ -222,6 +230,12 @@ TEST_F(RegistryStoreTest, AccessRightsPathsAndDeletion) {
   EXPECT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\B", RegAccess::Read, h), WinError::FileNotFound);
   EXPECT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\BB", RegAccess::Read, h), 0);
   EXPECT_EQ(store_->DeleteKey(kHkeyCurrentUser, ""), WinError::AccessDenied);
+  // DeleteTree with no subkey empties the handle's key and keeps it.
+  Put(a, "v", RegType::String, "x");
+  ASSERT_EQ(store_->DeleteTree(a, ""), 0);
+  EXPECT_EQ(Get(a, "v", type, data), WinError::FileNotFound);
+  EXPECT_EQ(store_->OpenKey(kHkeyCurrentUser, "A", RegAccess::Read, h), 0);
+  EXPECT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\BB", RegAccess::Read, h), WinError::FileNotFound);
 }
 
 // Another process (a second store on the same file) changes keys between

@@ -165,6 +165,43 @@ struct OpenKeyState {
   bool verified = true;  // false while `id` comes from the key cache unchecked
 };
 
+// Resets a statement when the scope ends, so no read transaction stays open.
+struct StmtScope {
+  sqlite3_stmt* st;
+  ~StmtScope() {
+    if (st) sqlite3_reset(st);
+  }
+};
+
+std::string ColumnText(sqlite3_stmt* st, int column) {
+  return std::string(reinterpret_cast<const char*>(sqlite3_column_text(st, column)),
+                     static_cast<std::size_t>(sqlite3_column_bytes(st, column)));
+}
+
+// A row of (name, type, data) from the vals table; type and data only when asked for.
+void ReadValueRow(sqlite3_stmt* st, std::string& name, std::uint32_t* type, std::vector<std::uint8_t>* data) {
+  name = ColumnText(st, 0);
+  if (type) *type = static_cast<std::uint32_t>(sqlite3_column_int64(st, 1));
+  if (data) {
+    const auto* p = static_cast<const std::uint8_t*>(sqlite3_column_blob(st, 2));
+    data->assign(p, p + sqlite3_column_bytes(st, 2));
+  }
+}
+
+// A handle's key and the key a subkey path names below it.
+struct KeyBelow {
+  KeyBelow() = default;
+  KeyBelow(const KeyBelow&) = delete;  // `base` may point at `rootState`
+  KeyBelow& operator=(const KeyBelow&) = delete;
+
+  OpenKeyState rootState;              // the state of a predefined root handle
+  const OpenKeyState* base = nullptr;  // the handle's key
+  // The key below: the joined path (as spelled and folded) with the access
+  // asked for; id, root and verification still those of the base.
+  OpenKeyState key;
+  std::string display, fold;  // the subkey path as checked, and folded; empty: the base itself
+};
+
 class SqliteRegistry final : public RegistryStore {
  public:
   explicit SqliteRegistry(std::string path) : path_(std::move(path)) {}
@@ -204,6 +241,8 @@ class SqliteRegistry final : public RegistryStore {
 
   // The key a handle denotes (roots included); nullptr for a handle not open.
   OpenKeyState* Lookup(RegHandle key, OpenKeyState& rootState);
+  // Checks a handle and a subkey path below it (6, or the path's status).
+  RegStatus Resolve(RegHandle handle, std::string_view subKey, std::uint32_t access, KeyBelow& out);
   RegHandle NewHandle(OpenKeyState state);
   // Finds the key `fold` below `root`; 0 when it does not exist.
   RegStatus FindKey(RegHandle root, const std::string& fold, std::int64_t& id, std::string* path);
@@ -213,6 +252,20 @@ class SqliteRegistry final : public RegistryStore {
   RegStatus PutValue(std::int64_t id, std::string_view name, std::uint32_t type, const std::uint8_t* data,
                      std::uint32_t size);
   RegStatus DeleteSubtree(RegHandle root, const std::string& fold, bool keepSelf);
+  // Deletes the value `name` (as given) of key `id`; 2 when there is none.
+  RegStatus RemoveValue(std::int64_t id, std::string_view name);
+  // DeleteKey (`tree` false: a key without subkeys) and DeleteTree.
+  RegStatus RemoveKey(RegHandle key, std::string_view subKey, bool tree);
+  // Ensure(false) for a read: `absent` when there is no store yet.
+  RegStatus ReadyToRead(RegStatus absent);
+  // The key a handle denotes for a call that reads through it or deletes a
+  // value: checks the handle, the `access` it needs (0 for none), that the
+  // store is there (`absent` when not) and that the key still exists.
+  RegStatus UsableKey(RegHandle key, std::uint32_t access, RegStatus absent, OpenKeyState& rootState,
+                      OpenKeyState*& k);
+  // Steps the enumeration statement `s` of key `id` to its row `index`
+  // (held reset by `scope`): 259 past the last row.
+  RegStatus EnumRow(Stmt s, std::int64_t id, std::uint32_t index, StmtScope& scope);
 
   std::string path_;
   mutable std::mutex mutex_;
@@ -448,14 +501,6 @@ RegStatus SqliteRegistry::Exec(const char* sql, std::string_view what) {
   return rc == SQLITE_OK ? WinError::Success : Fail(rc, what);
 }
 
-// Resets a statement when the scope ends, so no read transaction stays open.
-struct StmtScope {
-  sqlite3_stmt* st;
-  ~StmtScope() {
-    if (st) sqlite3_reset(st);
-  }
-};
-
 // A write transaction that rolls back unless committed.
 class Transaction {
  public:
@@ -495,6 +540,16 @@ OpenKeyState* SqliteRegistry::Lookup(RegHandle key, OpenKeyState& rootState) {
   return it == handles_.end() ? nullptr : &it->second;
 }
 
+RegStatus SqliteRegistry::Resolve(RegHandle handle, std::string_view subKey, std::uint32_t access, KeyBelow& out) {
+  out.base = Lookup(handle, out.rootState);
+  if (!out.base) return WinError::InvalidHandle;
+  if (RegStatus s = NormalizePath(subKey, out.display, out.fold); s != 0) return s;
+  const OpenKeyState& base = *out.base;
+  out.key = OpenKeyState{base.id, base.root, Join(base.path, out.display), Join(base.fold, out.fold), access, {}};
+  out.key.verified = base.verified;
+  return WinError::Success;
+}
+
 RegHandle SqliteRegistry::NewHandle(OpenKeyState state) {
   // Handles count up from 0x100 in steps of 4, as the system's do, and never
   // reach the predefined roots' range.
@@ -517,8 +572,7 @@ RegStatus SqliteRegistry::FindKey(RegHandle root, const std::string& fold, std::
   const int rc = sqlite3_step(st);
   if (rc == SQLITE_ROW) {
     id = sqlite3_column_int64(st, 0);
-    std::string spelled(reinterpret_cast<const char*>(sqlite3_column_text(st, 1)),
-                        static_cast<std::size_t>(sqlite3_column_bytes(st, 1)));
+    std::string spelled = ColumnText(st, 1);
     Remember(root, fold, id, spelled);
     if (path) *path = std::move(spelled);
     return WinError::Success;
@@ -536,22 +590,30 @@ RegStatus SqliteRegistry::Verify(OpenKeyState& k) {
   return WinError::Success;
 }
 
+RegStatus SqliteRegistry::ReadyToRead(RegStatus absent) {
+  const RegStatus ready = Ensure(false);
+  return ready == kNoFile ? absent : ready;
+}
+
+RegStatus SqliteRegistry::UsableKey(RegHandle key, std::uint32_t access, RegStatus absent,
+                                    OpenKeyState& rootState, OpenKeyState*& k) {
+  k = Lookup(key, rootState);
+  if (!k) return WinError::InvalidHandle;
+  if ((k->access & access) != access) return WinError::AccessDenied;
+  if (RegStatus s = ReadyToRead(absent); s != WinError::Success) return s;
+  return Verify(*k);
+}
+
 RegStatus SqliteRegistry::OpenKey(RegHandle key, std::string_view subKey, std::uint32_t access, RegHandle& result) {
   std::lock_guard lock(mutex_);
   lastError_.clear();
   result = 0;
-  OpenKeyState rootState;
-  const OpenKeyState* base = Lookup(key, rootState);
-  if (!base) return WinError::InvalidHandle;
-  std::string display, fold;
-  if (RegStatus s = NormalizePath(subKey, display, fold); s != 0) return s;
-  OpenKeyState state{base->id, base->root, Join(base->path, display), Join(base->fold, fold), access, {}};
-  state.verified = base->verified;
-  if (!fold.empty()) {
+  KeyBelow below;
+  if (RegStatus s = Resolve(key, subKey, access, below); s != 0) return s;
+  OpenKeyState& state = below.key;
+  if (!below.fold.empty()) {
     state.verified = true;
-    const RegStatus ready = Ensure(false);
-    if (ready == kNoFile) return WinError::FileNotFound;
-    if (ready != WinError::Success) return ready;
+    if (RegStatus s = ReadyToRead(WinError::FileNotFound); s != WinError::Success) return s;
     if (auto it = keyCache_.find(CacheKey(state.root, state.fold)); it != keyCache_.end()) {
       state.id = it->second.first;
       state.path = it->second.second;
@@ -599,18 +661,14 @@ RegStatus SqliteRegistry::CreateKey(RegHandle key, std::string_view subKey, RegH
   std::lock_guard lock(mutex_);
   lastError_.clear();
   result = 0;
-  OpenKeyState rootState;
-  const OpenKeyState* base = Lookup(key, rootState);
-  if (!base) return WinError::InvalidHandle;
-  std::string display, fold;
-  if (RegStatus s = NormalizePath(subKey, display, fold); s != 0) return s;
-  OpenKeyState state{base->id, base->root, Join(base->path, display), Join(base->fold, fold),
-                     RegAccess::AllAccess, {}};
-  if (fold.empty()) {
-    state.verified = base->verified;
+  KeyBelow below;
+  if (RegStatus s = Resolve(key, subKey, RegAccess::AllAccess, below); s != 0) return s;
+  OpenKeyState& state = below.key;
+  if (below.fold.empty()) {
     result = NewHandle(std::move(state));
     return WinError::Success;
   }
+  state.verified = true;  // its id is found or made below
   // Most creations find the key there already: look before taking the write lock.
   RegStatus ready = Ensure(false);
   if (ready == WinError::Success) {
@@ -624,7 +682,7 @@ RegStatus SqliteRegistry::CreateKey(RegHandle key, std::string_view subKey, RegH
     return ready;
   }
   if (RegStatus s = Ensure(true); s != 0) return s;
-  OpenKeyState baseCopy = *base;
+  OpenKeyState baseCopy = *below.base;
   Transaction tx(db_);
   if (const int rc = tx.Begin(); rc != SQLITE_OK) return Fail(rc, "cannot write");
   if (baseCopy.fold.size() > 0) {
@@ -632,7 +690,7 @@ RegStatus SqliteRegistry::CreateKey(RegHandle key, std::string_view subKey, RegH
     if (RegStatus s = FindKey(baseCopy.root, baseCopy.fold, baseCopy.id, nullptr); s != 0)
       return s == WinError::FileNotFound ? WinError::KeyDeleted : s;
   }
-  if (RegStatus s = CreatePath(baseCopy, display, state.id, state.path, state.fold); s != 0) return s;
+  if (RegStatus s = CreatePath(baseCopy, below.display, state.id, state.path, state.fold); s != 0) return s;
   if (const int rc = tx.Commit(); rc != SQLITE_OK) return Fail(rc, "cannot write");
   result = NewHandle(std::move(state));
   return WinError::Success;
@@ -671,9 +729,7 @@ RegStatus SqliteRegistry::QueryValue(RegHandle key, std::string_view name, std::
     n = static_cast<std::uint32_t>(pending.data.size());
     blob = pending.data.data();
   } else {
-    const RegStatus ready = Ensure(false);
-    if (ready == kNoFile) return WinError::FileNotFound;
-    if (ready != WinError::Success) return ready;
+    if (RegStatus s = ReadyToRead(WinError::FileNotFound); s != WinError::Success) return s;
     sqlite3_stmt* st = nullptr;
     int rc;
     for (;;) {
@@ -782,19 +838,18 @@ RegStatus SqliteRegistry::DeleteValue(RegHandle key, std::string_view name) {
   std::lock_guard lock(mutex_);
   lastError_.clear();
   OpenKeyState rootState;
-  OpenKeyState* k = Lookup(key, rootState);
-  if (!k) return WinError::InvalidHandle;
-  if ((k->access & RegAccess::SetValue) == 0) return WinError::AccessDenied;
-  const RegStatus ready = Ensure(false);
-  if (ready == kNoFile) return WinError::FileNotFound;
-  if (ready != WinError::Success) return ready;
-  if (RegStatus s = Verify(*k); s != 0) return s;
+  OpenKeyState* k = nullptr;
+  if (RegStatus s = UsableKey(key, RegAccess::SetValue, WinError::FileNotFound, rootState, k); s != 0) return s;
+  return RemoveValue(k->id, CString(name));
+}
+
+RegStatus SqliteRegistry::RemoveValue(std::int64_t id, std::string_view name) {
   ++writeGeneration_;
   sqlite3_stmt* st = Prepare(kDeleteValue);
   if (!st) return Fail(sqlite3_errcode(db_), "cannot write");
   StmtScope scope{st};
-  sqlite3_bind_int64(st, 1, k->id);
-  BindText(st, 2, UpperCase(CString(name)));
+  sqlite3_bind_int64(st, 1, id);
+  BindText(st, 2, UpperCase(name));
   if (const int rc = sqlite3_step(st); rc != SQLITE_DONE) return Fail(rc, "cannot write");
   return sqlite3_changes(db_) == 0 ? WinError::FileNotFound : WinError::Success;
 }
@@ -818,25 +873,32 @@ RegStatus SqliteRegistry::DeleteSubtree(RegHandle root, const std::string& fold,
 }
 
 RegStatus SqliteRegistry::DeleteKey(RegHandle key, std::string_view subKey) {
+  return RemoveKey(key, subKey, false);
+}
+
+RegStatus SqliteRegistry::DeleteTree(RegHandle key, std::string_view subKey) {
+  return RemoveKey(key, subKey, true);
+}
+
+RegStatus SqliteRegistry::RemoveKey(RegHandle key, std::string_view subKey, bool tree) {
   std::lock_guard lock(mutex_);
   lastError_.clear();
-  OpenKeyState rootState;
-  const OpenKeyState* base = Lookup(key, rootState);
-  if (!base) return WinError::InvalidHandle;
-  std::string display, fold;
-  if (RegStatus s = NormalizePath(subKey, display, fold); s != 0) return s;
-  const std::string full = Join(base->fold, fold);
-  if (full.empty()) return WinError::AccessDenied;  // a root cannot be deleted
-  const RegHandle root = base->root;
-  const RegStatus ready = Ensure(false);
-  if (ready == kNoFile) return WinError::FileNotFound;
-  if (ready != WinError::Success) return ready;
+  KeyBelow below;
+  if (RegStatus s = Resolve(key, subKey, 0, below); s != 0) return s;
+  const std::string& full = below.key.fold;
+  if (!tree && full.empty()) return WinError::AccessDenied;  // a root cannot be deleted
+  const RegHandle root = below.key.root;
+  const bool ownKey = below.fold.empty();
+  // DeleteTree of a handle's own key with no store yet has nothing to do.
+  if (RegStatus s = ReadyToRead(tree && ownKey ? kNoFile : WinError::FileNotFound); s != 0)
+    return s == kNoFile ? WinError::Success : s;
   if (RegStatus s = Ensure(true); s != 0) return s;
   Transaction tx(db_);
   if (const int rc = tx.Begin(); rc != SQLITE_OK) return Fail(rc, "cannot write");
   std::int64_t id = 0;
-  if (RegStatus s = FindKey(root, full, id, nullptr); s != 0) return s;
-  {
+  if (!full.empty())
+    if (RegStatus s = FindKey(root, full, id, nullptr); s != 0) return s;
+  if (!tree) {
     sqlite3_stmt* st = Prepare(kCountChildren);
     if (!st) return Fail(sqlite3_errcode(db_), "cannot read");
     StmtScope scope{st};
@@ -845,32 +907,8 @@ RegStatus SqliteRegistry::DeleteKey(RegHandle key, std::string_view subKey) {
     // Only a key without subkeys can be deleted this way, as on Windows.
     if (sqlite3_column_int64(st, 0) > 0) return WinError::AccessDenied;
   }
-  if (RegStatus s = DeleteSubtree(root, full, false); s != 0) return s;
-  if (const int rc = tx.Commit(); rc != SQLITE_OK) return Fail(rc, "cannot write");
-  return WinError::Success;
-}
-
-RegStatus SqliteRegistry::DeleteTree(RegHandle key, std::string_view subKey) {
-  std::lock_guard lock(mutex_);
-  lastError_.clear();
-  OpenKeyState rootState;
-  const OpenKeyState* base = Lookup(key, rootState);
-  if (!base) return WinError::InvalidHandle;
-  std::string display, fold;
-  if (RegStatus s = NormalizePath(subKey, display, fold); s != 0) return s;
-  const std::string full = Join(base->fold, fold);
-  const RegHandle root = base->root;
-  const RegStatus ready = Ensure(false);
-  if (ready == kNoFile) return fold.empty() ? WinError::Success : WinError::FileNotFound;
-  if (ready != WinError::Success) return ready;
-  if (RegStatus s = Ensure(true); s != 0) return s;
-  Transaction tx(db_);
-  if (const int rc = tx.Begin(); rc != SQLITE_OK) return Fail(rc, "cannot write");
-  std::int64_t id = 0;
-  if (!full.empty())
-    if (RegStatus s = FindKey(root, full, id, nullptr); s != 0) return s;
-  // With no subkey the key itself stays and is emptied, as on Windows.
-  if (RegStatus s = DeleteSubtree(root, full, fold.empty()); s != 0) return s;
+  // DeleteTree with no subkey keeps the key itself and empties it, as on Windows.
+  if (RegStatus s = DeleteSubtree(root, full, tree && ownKey); s != 0) return s;
   if (const int rc = tx.Commit(); rc != SQLITE_OK) return Fail(rc, "cannot write");
   return WinError::Success;
 }
@@ -878,28 +916,28 @@ RegStatus SqliteRegistry::DeleteTree(RegHandle key, std::string_view subKey) {
 // ---------------------------------------------------------------------------
 // Enumeration.
 
+RegStatus SqliteRegistry::EnumRow(Stmt s, std::int64_t id, std::uint32_t index, StmtScope& scope) {
+  sqlite3_stmt* st = Prepare(s);
+  if (!st) return Fail(sqlite3_errcode(db_), "cannot read");
+  scope.st = st;
+  sqlite3_bind_int64(st, 1, id);
+  sqlite3_bind_int64(st, 2, index);
+  const int rc = sqlite3_step(st);
+  if (rc == SQLITE_DONE) return WinError::NoMoreItems;
+  return rc == SQLITE_ROW ? WinError::Success : Fail(rc, "cannot read");
+}
+
 RegStatus SqliteRegistry::EnumKey(RegHandle key, std::uint32_t index, std::string& name) {
   std::lock_guard lock(mutex_);
   lastError_.clear();
   OpenKeyState rootState;
-  OpenKeyState* k = Lookup(key, rootState);
-  if (!k) return WinError::InvalidHandle;
-  const RegStatus ready = Ensure(false);
-  if (ready == kNoFile) return WinError::NoMoreItems;
-  if (ready != WinError::Success) return ready;
-  if (RegStatus s = Verify(*k); s != 0) return s;
-  sqlite3_stmt* st = Prepare(kEnumKey);
-  if (!st) return Fail(sqlite3_errcode(db_), "cannot read");
-  StmtScope scope{st};
-  sqlite3_bind_int64(st, 1, k->id);
-  sqlite3_bind_int64(st, 2, index);
-  const int rc = sqlite3_step(st);
-  if (rc == SQLITE_DONE) return WinError::NoMoreItems;
-  if (rc != SQLITE_ROW) return Fail(rc, "cannot read");
-  const std::string_view path(reinterpret_cast<const char*>(sqlite3_column_text(st, 0)),
-                              static_cast<std::size_t>(sqlite3_column_bytes(st, 0)));
+  OpenKeyState* k = nullptr;
+  if (RegStatus s = UsableKey(key, 0, WinError::NoMoreItems, rootState, k); s != 0) return s;
+  StmtScope scope{nullptr};
+  if (RegStatus s = EnumRow(kEnumKey, k->id, index, scope); s != 0) return s;
+  const std::string path = ColumnText(scope.st, 0);
   const std::size_t slash = path.rfind('\\');
-  name = std::string(slash == std::string_view::npos ? path : path.substr(slash + 1));
+  name = slash == std::string::npos ? path : path.substr(slash + 1);
   return WinError::Success;
 }
 
@@ -908,28 +946,11 @@ RegStatus SqliteRegistry::EnumValue(RegHandle key, std::uint32_t index, std::str
   std::lock_guard lock(mutex_);
   lastError_.clear();
   OpenKeyState rootState;
-  OpenKeyState* k = Lookup(key, rootState);
-  if (!k) return WinError::InvalidHandle;
-  if ((k->access & RegAccess::QueryValue) == 0) return WinError::AccessDenied;
-  const RegStatus ready = Ensure(false);
-  if (ready == kNoFile) return WinError::NoMoreItems;
-  if (ready != WinError::Success) return ready;
-  if (RegStatus s = Verify(*k); s != 0) return s;
-  sqlite3_stmt* st = Prepare(kEnumValue);
-  if (!st) return Fail(sqlite3_errcode(db_), "cannot read");
-  StmtScope scope{st};
-  sqlite3_bind_int64(st, 1, k->id);
-  sqlite3_bind_int64(st, 2, index);
-  const int rc = sqlite3_step(st);
-  if (rc == SQLITE_DONE) return WinError::NoMoreItems;
-  if (rc != SQLITE_ROW) return Fail(rc, "cannot read");
-  name.assign(reinterpret_cast<const char*>(sqlite3_column_text(st, 0)),
-              static_cast<std::size_t>(sqlite3_column_bytes(st, 0)));
-  if (type) *type = static_cast<std::uint32_t>(sqlite3_column_int64(st, 1));
-  if (data) {
-    const auto* p = static_cast<const std::uint8_t*>(sqlite3_column_blob(st, 2));
-    data->assign(p, p + sqlite3_column_bytes(st, 2));
-  }
+  OpenKeyState* k = nullptr;
+  if (RegStatus s = UsableKey(key, RegAccess::QueryValue, WinError::NoMoreItems, rootState, k); s != 0) return s;
+  StmtScope scope{nullptr};
+  if (RegStatus s = EnumRow(kEnumValue, k->id, index, scope); s != 0) return s;
+  ReadValueRow(scope.st, name, type, data);
   return WinError::Success;
 }
 
@@ -969,13 +990,8 @@ RegStatus SqliteRegistry::ImportRegText(std::string_view text) {
     if (RegStatus s = CreatePath(root, display, id, path, f); s != 0) return s;
     for (const RegFileValue& v : k.values) {
       if (v.remove) {
-        ++writeGeneration_;
-        sqlite3_stmt* st = Prepare(kDeleteValue);
-        if (!st) return Fail(sqlite3_errcode(db_), "cannot write");
-        StmtScope scope{st};
-        sqlite3_bind_int64(st, 1, id);
-        BindText(st, 2, UpperCase(v.name));
-        if (const int rc = sqlite3_step(st); rc != SQLITE_DONE) return Fail(rc, "cannot write");
+        // A value the file removes need not be there.
+        if (RegStatus s = RemoveValue(id, v.name); s != 0 && s != WinError::FileNotFound) return s;
       } else if (RegStatus s = PutValue(id, v.name, v.type, v.data.data(),
                                         static_cast<std::uint32_t>(v.data.size()));
                  s != 0) {
@@ -1000,9 +1016,9 @@ RegStatus SqliteRegistry::ExportRegText(RegHandle root, std::string_view subKey,
     return WinError::InvalidHandle;
   std::string display, fold;
   if (RegStatus s = NormalizePath(subKey, display, fold); s != 0) return s;
-  const RegStatus ready = Ensure(false);
-  if (ready == kNoFile) return fold.empty() ? WinError::Success : WinError::FileNotFound;
-  if (ready != WinError::Success) return ready;
+  // With no store yet, the export of a whole root is empty.
+  if (RegStatus s = ReadyToRead(fold.empty() ? kNoFile : WinError::FileNotFound); s != 0)
+    return s == kNoFile ? WinError::Success : s;
   // One read transaction, so the export is one consistent picture.
   if (RegStatus s = Exec("BEGIN", "cannot read"); s != 0) return s;
   struct EndRead {
@@ -1025,9 +1041,7 @@ RegStatus SqliteRegistry::ExportRegText(RegHandle root, std::string_view subKey,
       BindText(st, 2, fold);
       int rc;
       while ((rc = sqlite3_step(st)) == SQLITE_ROW)
-        keyRows.emplace_back(sqlite3_column_int64(st, 0),
-                             std::string(reinterpret_cast<const char*>(sqlite3_column_text(st, 1)),
-                                         static_cast<std::size_t>(sqlite3_column_bytes(st, 1))));
+        keyRows.emplace_back(sqlite3_column_int64(st, 0), ColumnText(st, 1));
       if (rc != SQLITE_DONE) return Fail(rc, "cannot read");
     }
     for (const auto& [id, path] : keyRows) {
@@ -1041,11 +1055,7 @@ RegStatus SqliteRegistry::ExportRegText(RegHandle root, std::string_view subKey,
       int rc;
       while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
         RegFileValue v;
-        v.name.assign(reinterpret_cast<const char*>(sqlite3_column_text(st, 0)),
-                      static_cast<std::size_t>(sqlite3_column_bytes(st, 0)));
-        v.type = static_cast<std::uint32_t>(sqlite3_column_int64(st, 1));
-        const auto* p = static_cast<const std::uint8_t*>(sqlite3_column_blob(st, 2));
-        v.data.assign(p, p + sqlite3_column_bytes(st, 2));
+        ReadValueRow(st, v.name, &v.type, &v.data);
         key.values.push_back(std::move(v));
       }
       if (rc != SQLITE_DONE) return Fail(rc, "cannot read");
