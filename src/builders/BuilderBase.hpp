@@ -104,9 +104,9 @@ class PlacedBuilder : public Dispatch<C> {
   static void DescribeClosing(ClassBuilder<C>& b, bool pathComponents, bool part) {
     if (pathComponents) b.template Get<&PlacedBuilder::GetPathComponents>("PathComponents");
     if (part) b.template Get<&PlacedBuilder::GetPart>("Part");
-    b.template Method<&PlacedBuilder::Finish>("Finish").template Method<&C::Create>("Create", Names{"Parent"});
+    b.template Method<&PlacedBuilder::Finish>("Finish");
+    b.template Method<&C::Create>("Create", Names{"Parent"});
   }
-
 
  private:
   InstanceRegistration registration_;

@@ -42,7 +42,8 @@ namespace {
 void LetNamedVariable(const Variant& component, std::string_view name, double value) {
   const Variant variable = Globals::FindHostVariable(component, name);
   if (variable.IsNothing())
-    Raise(Err::NoSuchMember, "The host's sheet-metal component has no variable \"" + std::string(name) + "\"");
+    Raise(Err::NoSuchMember,
+          "The host's sheet-metal component has no variable \"" + std::string(name) + "\"");
   variable.Let("Value", value);
 }
 }  // namespace

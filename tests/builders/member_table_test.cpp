@@ -43,24 +43,21 @@ TEST(BuilderTables, SlotsNamesKindsAndParameters) {
   const std::pair<const char*, const char*> expected[] = {
       {"TessarkAO.TKExtrudeShape",
        "1 UserName G()String L(arg1:String); 2 RemovesMaterial G()Boolean L(arg1:Boolean); "
-       "3 Position G()Object S(arg1:Object); "
-       "4 Height G(Direction:Long)Double L(arg1:Long,arg2:Double); 5 PathComponents G()Variant; "
-       "6 Finish M(); 7 Create M(Parent:Variant)Variant; "},
+       "3 Position G()Object S(arg1:Object); 4 Height G(Direction:Long)Double L(arg1:Long,arg2:Double); "
+       "5 PathComponents G()Variant; 6 Finish M(); 7 Create M(Parent:Variant)Variant; "},
       {"TessarkAO.TKSMExtrudeShape",
        "1 UserName G()String L(arg1:String); 2 Position G()Object S(arg1:Object); "
        "3 SheetMetalType G()Long L(arg1:Long); 4 Thickness G()Double L(arg1:Double); "
-       "5 PathComponents G()Variant; 6 Part G()Variant; 7 Finish M(); "
-       "8 Create M(Parent:Variant)Variant; "},
+       "5 PathComponents G()Variant; 6 Part G()Variant; 7 Finish M(); 8 Create M(Parent:Variant)Variant; "},
       {"TessarkAO.TKSMBendShape",
        "1 SuppressedReliefs G()Long L(arg1:Long); 2 ReliefDepth G()Double L(arg1:Double); "
        "3 ReliefWidth G()Double L(arg1:Double); 4 ReliefType G()Long L(arg1:Long); "
        "5 DropFlags G()Long L(arg1:Long); "
        "6 StockSegmentLength G(Index:Long)Double L(arg1:Long,arg2:Double); "
-       "7 ExtrudeDistance G(Index:Long)Double L(arg1:Long,arg2:Double); "
-       "8 Direction G()Long L(arg1:Long); 9 InsideRadius G()Double L(arg1:Double); "
-       "10 Angle G()Double L(arg1:Double); 11 UserName G()String L(arg1:String); "
-       "12 BendComponent G()Variant; 13 Part G()Variant; 14 Finish M(); "
-       "15 Create M(Parent:Variant)Variant; "
+       "7 ExtrudeDistance G(Index:Long)Double L(arg1:Long,arg2:Double); 8 Direction G()Long L(arg1:Long); "
+       "9 InsideRadius G()Double L(arg1:Double); 10 Angle G()Double L(arg1:Double); "
+       "11 UserName G()String L(arg1:String); 12 BendComponent G()Variant; 13 Part G()Variant; "
+       "14 Finish M(); 15 Create M(Parent:Variant)Variant; "
        "16 CornerReliefDepth G(Index:Long)Double L(arg1:Long,arg2:Double); "
        "17 CornerReliefType G(Index:Long)Long L(arg1:Long,arg2:Long); "
        "18 CornerReliefOrientation G(Index:Long)Long L(arg1:Long,arg2:Long); "},
@@ -68,14 +65,12 @@ TEST(BuilderTables, SlotsNamesKindsAndParameters) {
        "1 UserName G()String L(arg1:String); 2 Position G()Object S(arg1:Object); "
        "3 Depth G()Double L(arg1:Double); 4 PunchRadius G()Double L(arg1:Double); "
        "5 DieRadius G()Double L(arg1:Double); 6 Direction G()Long L(arg1:Long); "
-       "7 PathComponents G()Variant; 8 Part G()Variant; 9 Finish M(); "
-       "10 Create M(Parent:Variant)Variant; "},
+       "7 PathComponents G()Variant; 8 Part G()Variant; 9 Finish M(); 10 Create M(Parent:Variant)Variant; "},
       {"TessarkAO.TKSMCurvedStockShape",
        "1 UserName G()String L(arg1:String); 2 Position G()Object S(arg1:Object); "
        "3 Radius G()Double L(arg1:Double); 4 SweepAngle G()Double L(arg1:Double); "
        "5 Width G()Double L(arg1:Double); 6 Thickness G()Double L(arg1:Double); "
-       "7 PathComponents G()Variant; 8 Part G()Variant; 9 Finish M(); "
-       "10 Create M(Parent:Variant)Variant; "},
+       "7 PathComponents G()Variant; 8 Part G()Variant; 9 Finish M(); 10 Create M(Parent:Variant)Variant; "},
       {"TessarkAO.TKSMConicShape",
        "1 UserName G()String L(arg1:String); 2 Position G()Object S(arg1:Object); "
        "3 TopRadius G()Double L(arg1:Double); 4 BottomRadius G()Double L(arg1:Double); "
