@@ -79,7 +79,8 @@ inline std::vector<std::string> Dump(const TKProfile& profile) {
       double x = 0, y = 0;
       for (std::int32_t i = 1; i <= k->GetBSplineControlPoints(); ++i)
         k->GetControlPoint(i, x, y), s += "cp " + num(x) + num(y);
-      for (std::int32_t i = 1; i <= k->GetBSplineFitPoints(); ++i) k->GetFitPoint(i, x, y), s += "fp " + num(x) + num(y);
+      for (std::int32_t i = 1; i <= k->GetBSplineFitPoints(); ++i)
+        k->GetFitPoint(i, x, y), s += "fp " + num(x) + num(y);
       for (std::int32_t i = 1; i <= k->GetBSplineKnots(); ++i) s += "k " + num(k->GetKnot(i));
       for (std::int32_t i = 1; i <= k->GetBSplineWeights(); ++i) s += "w " + num(k->GetWeight(i));
       lines.push_back(s);
@@ -112,7 +113,8 @@ inline Ref<TKProfile> ProfileWithEveryKind() {
   k->LetX(0.5), k->LetBSplineDegree(2), k->LetBSplineClosed(true);
   k->LetBSplineControlPoints(4), k->LetBSplineWeights(4), k->LetBSplineKnots(7);
   const double cp[4][2] = {{0, 5}, {-1, 3}, {1, 1}, {0.5, 0}}, knots[7] = {0, 0, 0, 0.5, 1, 1, 1};
-  for (int i = 1; i <= 4; ++i) k->SetControlPoint(i, cp[i - 1][0], cp[i - 1][1]), k->SetWeight(i, i == 2 ? 0.5 : 1);
+  for (int i = 1; i <= 4; ++i)
+    k->SetControlPoint(i, cp[i - 1][0], cp[i - 1][1]), k->SetWeight(i, i == 2 ? 0.5 : 1);
   for (int i = 1; i <= 7; ++i) k->SetKnot(i, knots[i - 1]);
   o->LetClosed(true);
   Ref<TKOutline> construction = profile->AddOutline();

@@ -68,7 +68,7 @@ TEST(HostPaths, DeparameterizeFixesOnlyTheChosenAxis) {
     bool afterX, afterBoth;  // still driven
   };
   const Row rows[] = {{0, 1, false, false}, {0, 2, true, false}, {5, 3, false, false},
-                      {5, 4, true, false},  {5, 9, true, true},   {2, 3, true, true}};
+                      {5, 4, true, false},  {5, 9, true, true},  {2, 3, true, true}};
   for (const Row& r : rows) drive(r.curve, r.n);
   Variant profile(CreateObject("TessarkAO.TKProfile"));
   profile.Call("DeparameterizeProfile", scene.paths, TKDeparameterizeXAxis);
