@@ -296,7 +296,8 @@ class ClassInfo {
   std::uint64_t mask_ = 0;
 };
 
-// FNV-1a over the ASCII-lower-cased bytes of a name.
+// A hash of a name that ignores ASCII case (equal under EqualsNoCase ->
+// equal hashes).
 std::uint64_t HashNameNoCase(std::string_view name) noexcept;
 bool EqualsNoCase(std::string_view a, std::string_view b) noexcept;
 

@@ -12,70 +12,90 @@ namespace TessarkAO::PointFile {
 
 namespace {
 
-// Tokens made only of these characters, read whole by from_chars, have the
-// value the runtime's parser gives them when the decimal separator is '.'
-// (and '.' is not the group separator); every other token goes to the parser.
-bool IsPlainNumberChar(char c) noexcept {
-  return (c >= '0' && c <= '9') || c == '.' || c == '-' || c == 'e' || c == 'E' || c == '+';
-}
+// Whether plain decimal tokens may be read by from_chars: the decimal
+// separator is '.' and '.' is not the group separator.
+bool PlainDecimals(NumberLocale locale) noexcept { return locale.decimal == '.' && locale.group != '.'; }
 
-}  // namespace
-
-bool ReadNumber(std::string_view token, double& value) noexcept {
+// A token that from_chars reads whole and that starts with a digit, a point,
+// or a minus before a digit or a point holds only digits, '.', '-', '+' and
+// e/E: such a token has the value the runtime's parser gives it under plain
+// decimals.  (The first-character test keeps out "inf" and "nan", the only
+// other forms from_chars takes.)  Every other token goes to the parser.
+bool ReadNumber(std::string_view token, bool plainDecimals, NumberLocale locale, double& value) noexcept {
   if (token.empty()) return false;
-  const NumberLocale locale = GetNumberLocale();
-  if (locale.decimal == '.' && locale.group != '.' && token[0] != '+') {
-    bool plain = true;
-    for (char c : token) plain = plain && IsPlainNumberChar(c);
-    if (plain) {
-      double v;
-      const auto [end, ec] = std::from_chars(token.data(), token.data() + token.size(), v);
-      if (ec == std::errc() && end == token.data() + token.size()) {
-        value = v;
-        return true;
-      }
+  if (plainDecimals) {
+    const char first = token[0];
+    const char next = token.size() > 1 ? token[1] : '\0';
+    const bool numeric = (first >= '0' && first <= '9') || first == '.' ||
+                         (first == '-' && ((next >= '0' && next <= '9') || next == '.'));
+    if (numeric) {
+      const auto [end, ec] = std::from_chars(token.data(), token.data() + token.size(), value);
+      if (ec == std::errc() && end == token.data() + token.size()) return true;
     }
   }
   return ParseNumber(token, locale, value) == 0;
 }
 
-// The separator of a line is chosen once, by priority: a tab when the line
-// holds one, else a comma when it holds one, else a blank.  This is the
-// reading under which "3<tab>4,5" gives the two tokens "3" and "4,5", as the
-// tool's files rely on; searching the priority again after each token would
-// split "4,5" at its comma.
-void ParseFitPointLine(std::string_view line, PointRows& rows) {
+void ParseLine(std::string_view line, bool plainDecimals, NumberLocale locale, PointRows& rows) {
   if (line.empty()) return;
-  constexpr std::size_t npos = std::string_view::npos;
-  char separator = ' ';
-  if (line.find('\t') != npos) {
-    separator = '\t';
-  } else if (line.find(',') != npos) {
-    separator = ',';
+  // The separator of a line is chosen once, by priority: a tab when the line
+  // holds one, else a comma when it holds one, else a blank.  This is the
+  // reading under which "3<tab>4,5" gives the two tokens "3" and "4,5", as
+  // the tool's files rely on; searching the priority again after each token
+  // would split "4,5" at its comma.
+  bool comma = false;
+  char separator = 0;
+  for (const char ch : line) {
+    if (ch == '\t') {
+      separator = '\t';
+      break;
+    }
+    comma = comma || ch == ',';
   }
+  if (separator == 0) separator = comma ? ',' : ' ';
   std::int32_t c = 0;
-  std::size_t p = 0;
+  const char* p = line.data();
+  const char* const end = p + line.size();
   while (true) {
-    const std::size_t sep = line.find(separator, p);
-    const std::string_view token = line.substr(p, sep == npos ? npos : sep - p);
+    const char* sep = p;
+    while (sep != end && *sep != separator) ++sep;
     double v;
-    if (ReadNumber(token, v)) {
+    if (ReadNumber(std::string_view(p, static_cast<std::size_t>(sep - p)), plainDecimals, locale, v)) {
       if (c == 0) rows.rowStarts.push_back(rows.values.size());
       ++c;
       if (c > rows.columns) rows.columns = c;
       rows.values.push_back(v);
     }
-    if (sep == npos) return;
+    if (sep == end) return;
     p = sep + 1;
   }
 }
 
+}  // namespace
+
+bool ReadNumber(std::string_view token, double& value) noexcept {
+  const NumberLocale locale = GetNumberLocale();
+  return ReadNumber(token, PlainDecimals(locale), locale, value);
+}
+
+void ParseFitPointLine(std::string_view line, PointRows& rows) {
+  const NumberLocale locale = GetNumberLocale();
+  ParseLine(line, PlainDecimals(locale), locale, rows);
+}
+
+// A line ends at the first CR or LF, so CRLF, CR and LF files all read, and
+// the empty "line" between CR and LF adds nothing.
 void ParseFitPointText(std::string_view text, PointRows& rows) {
-  while (!text.empty()) {
-    const std::size_t end = text.find_first_of("\r\n");
-    ParseFitPointLine(text.substr(0, end), rows);
-    if (end == std::string_view::npos) return;
-    text.remove_prefix(end + 1);
+  const NumberLocale locale = GetNumberLocale();
+  const bool plain = PlainDecimals(locale);
+  const char* p = text.data();
+  const char* const end = p + text.size();
+  while (p != end) {
+    const char* eol = p;
+    while (eol != end && *eol != '\n' && *eol != '\r') ++eol;
+    ParseLine(std::string_view(p, static_cast<std::size_t>(eol - p)), plain, locale, rows);
+    if (eol == end) return;
+    p = eol + 1;
   }
 }
 

@@ -63,7 +63,8 @@ inline std::vector<RefHost::JournalEntry> Journaled(const std::function<void()>&
   return RefHost::Journal();
 }
 
-// Every value a profile holds, one line per outline and per curve.
+// Every value a profile holds, one line per outline and per curve: each
+// curve property of the member table, then the B-spline arrays.
 inline std::vector<std::string> Dump(const TKProfile& profile) {
   std::vector<std::string> lines;
   auto num = [](double v) { return FormatDouble(v) + " "; };
@@ -71,14 +72,10 @@ inline std::vector<std::string> Dump(const TKProfile& profile) {
     lines.push_back("outline " + num(o->GetStartPointX()) + num(o->GetStartPointY()) +
                     std::to_string(o->GetConstruction()) + (o->GetClosed() ? " closed" : " open"));
     for (const Ref<TKCurve>& k : o->Curves()) {
-      std::string s = "curve " + std::to_string(k->GetCurveType()) + ": ";
-      for (double v : {k->GetX(), k->GetY(), k->GetRadius(), k->GetCenterX(), k->GetCenterY(),
-                       k->GetAngleMajor(), k->GetHFactor(), k->GetEccentricity(), k->GetMinorHeight(),
-                       k->GetXPtOnCurve(), k->GetYPtOnCurve(), k->GetTan1X(), k->GetTan1Y(), k->GetTan2X(),
-                       k->GetTan2Y(), k->GetStartTrim(), k->GetEndTrim()})
-        s += num(v);
-      s += "| " + std::to_string(k->GetBSplineDegree()) + (k->GetBSplinePeriodic() ? "P" : "") +
-           (k->GetBSplineClosed() ? "C " : " ");
+      const Variant curve{Ref<Object>(k)};
+      std::string s = "curve";
+      for (const MemberInfo& m : TKCurve::StaticClass().Members())
+        if (m.let) s += " " + m.name + "=" + num(ToDouble(curve.Get(m.name)));
       double x = 0, y = 0;
       for (std::int32_t i = 1; i <= k->GetBSplineControlPoints(); ++i)
         k->GetControlPoint(i, x, y), s += "cp " + num(x) + num(y);
@@ -95,33 +92,30 @@ inline std::vector<std::string> Dump(const TKProfile& profile) {
 // A closed outline with every curve kind, as the host reads it back: the
 // fillet's corner is the end of the line before it, a circle keeps its
 // radius as the point's X, an ellipse's centre is in CenterX / CenterY.
+// Curves 1..8: line, fillet, line, arc, Bezier, circle, ellipse, B-spline.
 inline Ref<TKProfile> ProfileWithEveryKind() {
   auto profile = NewProfile();
   Ref<TKOutline> o = profile->AddOutline();
   o->LetStartPointX(0.5);
   o->AddLineTo(10, 0);
-  Ref<TKCurve> fillet = o->AddCurve(TKCurveType_Fillet);
-  fillet->LetX(10), fillet->LetRadius(2), fillet->LetCenterX(8), fillet->LetCenterY(2);
+  Ref<TKCurve> k = o->AddCurve(TKCurveType_Fillet);
+  k->LetX(10), k->LetRadius(2), k->LetCenterX(8), k->LetCenterY(2);
   o->AddLineTo(10, 10);
-  Ref<TKCurve> arc = o->AddCurve(TKCurveType_Arc);
-  arc->LetX(0), arc->LetY(10), arc->LetHFactor(-0.25);
-  Ref<TKCurve> bezier = o->AddCurve(TKCurveType_Bezier);
-  bezier->LetY(5), bezier->LetTan1X(-1), bezier->LetTan1Y(9), bezier->LetTan2X(-1.5), bezier->LetTan2Y(6);
-  Ref<TKCurve> circle = o->AddCurve(TKCurveType_Ellipse);
-  circle->LetCenterX(5), circle->LetCenterY(5), circle->LetMinorHeight(-1), circle->LetXPtOnCurve(2);
-  Ref<TKCurve> ellipse = o->AddCurve(TKCurveType_Ellipse);
-  ellipse->LetCenterX(4), ellipse->LetCenterY(6), ellipse->LetMinorHeight(0.75), ellipse->LetXPtOnCurve(5.5);
-  ellipse->LetYPtOnCurve(6);
-  Ref<TKCurve> spline = o->AddCurve(TKCurveType_BSpline);
-  spline->LetX(0.5), spline->LetBSplineDegree(2), spline->LetBSplineClosed(true);
-  spline->LetBSplineControlPoints(4);
-  const double cp[4][2] = {{0, 5}, {-1, 3}, {1, 1}, {0.5, 0}};
-  for (int i = 0; i < 4; ++i) spline->SetControlPoint(i + 1, cp[i][0], cp[i][1]);
-  spline->LetBSplineWeights(4);
-  for (int i = 1; i <= 4; ++i) spline->SetWeight(i, i == 2 ? 0.5 : 1);
-  spline->LetBSplineKnots(7);
-  const double knots[7] = {0, 0, 0, 0.5, 1, 1, 1};
-  for (int i = 0; i < 7; ++i) spline->SetKnot(i + 1, knots[i]);
+  k = o->AddCurve(TKCurveType_Arc);
+  k->LetX(0), k->LetY(10), k->LetHFactor(-0.25);
+  k = o->AddCurve(TKCurveType_Bezier);
+  k->LetY(5), k->LetTan1X(-1), k->LetTan1Y(9), k->LetTan2X(-1.5), k->LetTan2Y(6);
+  k = o->AddCurve(TKCurveType_Ellipse);  // a circle
+  k->LetCenterX(5), k->LetCenterY(5), k->LetMinorHeight(-1), k->LetXPtOnCurve(2);
+  k = o->AddCurve(TKCurveType_Ellipse);
+  k->LetCenterX(4), k->LetCenterY(6), k->LetMinorHeight(0.75), k->LetXPtOnCurve(5.5), k->LetYPtOnCurve(6);
+  k = o->AddCurve(TKCurveType_BSpline);
+  k->LetX(0.5), k->LetBSplineDegree(2), k->LetBSplineClosed(true);
+  k->LetBSplineControlPoints(4), k->LetBSplineWeights(4), k->LetBSplineKnots(7);
+  const double cp[4][2] = {{0, 5}, {-1, 3}, {1, 1}, {0.5, 0}}, knots[7] = {0, 0, 0, 0.5, 1, 1, 1};
+  for (int i = 1; i <= 4; ++i)
+    k->SetControlPoint(i, cp[i - 1][0], cp[i - 1][1]), k->SetWeight(i, i == 2 ? 0.5 : 1);
+  for (int i = 1; i <= 7; ++i) k->SetKnot(i, knots[i - 1]);
   o->LetClosed(true);
   Ref<TKOutline> construction = profile->AddOutline();
   construction->LetConstruction(1);

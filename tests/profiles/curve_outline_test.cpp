@@ -38,19 +38,16 @@ TEST(Curve, NewCurveIsZeroAndEveryPropertyKeepsItsOwnValue) {
 TEST(Curve, CountsSizeTheArraysAndIndicesOutsideAreIgnored) {
   Variant curve(CreateObject("TessarkAO.TKCurve"));
   curve.Let("BSplineFitPoints", 3);
-  curve.Call("SetFitPoint", 3, 1.5, -2.0);
-  EXPECT_EQ(GetPoint(curve, "GetFitPoint", 3), std::make_pair(1.5, -2.0));
-  EXPECT_EQ(GetPoint(curve, "GetFitPoint", 4), std::make_pair(0.0, 0.0));
-  curve.Call("SetFitPoint", 0, 9.0, 9.0);
-  curve.Call("SetFitPoint", 4, 9.0, 9.0);
-  for (int i = 1; i <= 2; ++i) EXPECT_EQ(GetPoint(curve, "GetFitPoint", i), std::make_pair(0.0, 0.0));
+  for (int i : {0, 3, 4}) curve.Call("SetFitPoint", i, 1.5 * i, -2.0);
+  EXPECT_EQ(GetPoint(curve, "GetFitPoint", 3), std::make_pair(4.5, -2.0));
+  for (int i : {-1, 1, 4}) EXPECT_EQ(GetPoint(curve, "GetFitPoint", i), std::make_pair(0.0, 0.0)) << i;
 
   // Setting a count again clears the array.
   curve.Let("BSplineKnots", 5);
-  for (int i = 1; i <= 5; ++i) curve.Call("SetKnot", i, i * 1.5);
+  curve.Call("SetKnot", 5, 7.5);
   EXPECT_EQ(ToDouble(curve.Call("GetKnot", 5)), 7.5);
   curve.Let("BSplineKnots", 5);
-  for (int i = 1; i <= 5; ++i) EXPECT_EQ(ToDouble(curve.Call("GetKnot", i)), 0.0);
+  EXPECT_EQ(ToDouble(curve.Call("GetKnot", 5)), 0.0);
 
   // A count of 0 or below keeps the old array out of reach; a positive
   // count afterwards makes a fresh one, so nothing old comes back.
@@ -61,16 +58,12 @@ TEST(Curve, CountsSizeTheArraysAndIndicesOutsideAreIgnored) {
   curve.Call("SetWeight", 1, 8.0);
   curve.Let("BSplineWeights", -2);
   EXPECT_EQ(curve.Get("BSplineWeights").AsLong(), -2);
-  EXPECT_EQ(ToDouble(curve.Call("GetWeight", 1)), 0.0);
   curve.Let("BSplineWeights", 2);
   EXPECT_EQ(ToDouble(curve.Call("GetWeight", 1)), 0.0);
 
+  // An array too large to make raises 7 and leaves the curve as it was.
   curve.Let("BSplineControlPoints", 2);
   curve.Call("SetControlPoint", 2, -1.0, 4.0);
-  EXPECT_EQ(GetPoint(curve, "GetControlPoint", 2), std::make_pair(-1.0, 4.0));
-  EXPECT_EQ(GetPoint(curve, "GetControlPoint", -1), std::make_pair(0.0, 0.0));
-
-  // An array too large to make raises 7 and leaves the curve as it was.
   EXPECT_EQ(ErrorNumber([&] { curve.Let("BSplineControlPoints", 2147483647); }), Err::OutOfMemory);
   EXPECT_EQ(curve.Get("BSplineControlPoints").AsLong(), 2);
   EXPECT_EQ(GetPoint(curve, "GetControlPoint", 2), std::make_pair(-1.0, 4.0));
@@ -78,30 +71,21 @@ TEST(Curve, CountsSizeTheArraysAndIndicesOutsideAreIgnored) {
 
 TEST(Outline, CurveListAndTheOneSidedIndexTest) {
   Variant outline(CreateObject("TessarkAO.TKOutline"));
-  EXPECT_EQ(outline.Get("NumberOfCurves").AsLong(), 0);
   EXPECT_TRUE(outline.Call("GetCurve", 1).IsNothing());
-  EXPECT_EQ(ErrorNumber([&] { outline.Call("GetCurve", 0); }), Err::SubscriptOutOfRange);
-
   Variant first = outline.Call("AddLineTo", 1.0, 2.0);
   Variant second = outline.Call("AddLineTo", 3.0, 4.0);
-  outline.Call("AddLineTo", 5.0, 6.0);
-  EXPECT_EQ(outline.Get("NumberOfCurves").AsLong(), 3);
-  Variant got = outline.Call("GetCurve", 2);
-  EXPECT_EQ(got.AsObject(), second.AsObject());
-  EXPECT_EQ(got.Get("CurveType").AsLong(), 1);
-  EXPECT_EQ(ToDouble(got.Get("X")), 3.0);
-  EXPECT_EQ(ToDouble(got.Get("Y")), 4.0);
-  EXPECT_TRUE(outline.Call("GetCurve", 4).IsNothing());
-  EXPECT_EQ(ErrorNumber([&] { outline.Call("GetCurve", -5); }), Err::SubscriptOutOfRange);
-
+  EXPECT_EQ(ToDouble(second.Get("Y")), 4.0);
+  EXPECT_EQ(outline.Call("GetCurve", 2).AsObject(), second.AsObject());
+  // Past the end is Nothing; 0 and below raise 9.
+  EXPECT_TRUE(outline.Call("GetCurve", 3).IsNothing());
+  for (int i : {0, -5})
+    EXPECT_EQ(ErrorNumber([&] { outline.Call("GetCurve", i); }), Err::SubscriptOutOfRange);
   // Curves handed out are the outline's own.
   first.Let("X", 10.0);
   EXPECT_EQ(ToDouble(outline.Call("GetCurve", 1).Get("X")), 10.0);
-
   EXPECT_EQ(outline.Call("AddCurve").Get("CurveType").AsLong(), 0);
-  EXPECT_EQ(outline.Call("AddCurve", 5).Get("CurveType").AsLong(), 5);
   EXPECT_EQ(outline.Call("AddCurve", -7).Get("CurveType").AsLong(), -7);
-  EXPECT_EQ(outline.Get("NumberOfCurves").AsLong(), 6);
+  EXPECT_EQ(outline.Get("NumberOfCurves").AsLong(), 4);
 }
 
 TEST(Outline, AddEllipseTakesThePointsYFromItsX) {
@@ -120,7 +104,6 @@ TEST(Outline, AddEllipseTakesThePointsYFromItsX) {
     std::vector<Variant> args(c.args.begin(), c.args.end());
     Variant e = outline.Invoke("AddEllipse", CallKind::Method, args);
     EXPECT_EQ(e.Get("CurveType").AsLong(), 4);
-    EXPECT_EQ(ToDouble(e.Get("X")), 1.0);
     EXPECT_EQ(ToDouble(e.Get("Y")), 2.0);
     EXPECT_EQ(ToDouble(e.Get("CenterX")), 0.0);  // the centre is carried in X, Y only
     EXPECT_EQ(ToDouble(e.Get("MinorHeight")), c.minor);

@@ -25,15 +25,15 @@ Ref<TKInvoluteCurve> NewInvolute(double radius = 1.0) {
 }
 
 std::pair<double, double> Point(const TKInvoluteCurve& c, double t) {
-  double x = 0, y = 0;
-  c.GetPointFromAngle(t, x, y);
-  return {x, y};
+  std::pair<double, double> p;
+  c.GetPointFromAngle(t, p.first, p.second);
+  return p;
 }
 
 std::pair<double, double> Sample(const TKInvoluteCurve& c, std::int32_t i) {
-  double x = 0, y = 0;
-  c.GetCalculatedPointFromIndex(i, x, y);
-  return {x, y};
+  std::pair<double, double> p;
+  c.GetCalculatedPointFromIndex(i, p.first, p.second);
+  return p;
 }
 
 // The documented sampling, written out literally: the involute formula, the
@@ -60,14 +60,9 @@ std::vector<std::pair<double, double>> ModelSamples(double radius, double startA
 
 }  // namespace
 
-TEST(Involute, PointsLieOnTheInvoluteAndHeightInvertsThem) {
-  auto c = NewInvolute();
-  EXPECT_EQ(Point(*c, 0), std::make_pair(1.0, 0.0));
-  EXPECT_DOUBLE_EQ(Point(*c, std::numbers::pi / 2).first, std::numbers::pi / 2);
-  EXPECT_DOUBLE_EQ(Point(*c, std::numbers::pi / 2).second, 1.0);
+TEST(Involute, HeightInvertsThePointsOfTheInvolute) {
+  auto c = NewInvolute(10.0);
   EXPECT_EQ(c->GetPointAngleFromInvoluteHeight(0), 0.0);
-  c->LetCircleRadius(10);
-  EXPECT_EQ(c->GetAngleFromInvoluteHeight(0), 0.0);
   EXPECT_EQ(c->GetAngleFromInvoluteHeight(5), std::sqrt(1.25));
   // The height of the point at t above the base circle gives t back.
   for (double t = 0.05; t < 12; t += 0.37)
@@ -86,8 +81,6 @@ TEST(Involute, PolarAngleKeepsTheLiteralTurnAndHasNoQuadrantCorrection) {
     // The arctangent of Y / X lies in (-pi/2, pi/2): a point left of the Y
     // axis is reported half a turn off its true polar angle.
     const double a = std::atan(y / x);
-    const double polar = std::atan2(y, x);
-    EXPECT_NEAR(a, x < 0 ? polar + (polar > 0 ? -std::numbers::pi : std::numbers::pi) : polar, 1e-12);
     // Whole turns use 6.28318530717958, not the full-precision 2 pi.
     EXPECT_EQ(c->GetPointAngleFromInvoluteHeight(h), std::floor(t / 6.28318530717958) * 6.28318530717958 + a);
     // The arc length is the polar angle times R, not t * R.
@@ -106,8 +99,8 @@ TEST(Involute, ArithmeticErrorsAndTheZeroSubstitution) {
   double x = 0.0, y = 2.0;
   EXPECT_EQ(InvoluteMath::ArcTanOfRatio(x, y), std::atan(2.0 / 1e-16));
   EXPECT_EQ(x, 1e-16);  // the caller's X is overwritten
-  double x3 = 0.0, y3 = 1e300;
-  EXPECT_EQ(ErrorNumber([&] { InvoluteMath::ArcTanOfRatio(x3, y3); }), Err::Overflow);
+  x = 0.0, y = 1e300;
+  EXPECT_EQ(ErrorNumber([&] { InvoluteMath::ArcTanOfRatio(x, y); }), Err::Overflow);
 }
 
 TEST(Involute, TableAccessNeedsASampledRow) {
@@ -121,13 +114,13 @@ TEST(Involute, TableAccessNeedsASampledRow) {
   EXPECT_EQ(ErrorNumber([&] { c->CalculatePointsThroughAngle(0); }), Err::Overflow);  // 0 / 0
   c->LetPoints(3);
   c->CalculatePointsThroughAngle(1);
+  EXPECT_EQ(ErrorNumber([&] { Sample(*c, 4); }), Err::SubscriptOutOfRange);  // a row after the last
   // Errors leave the caller's outputs alone.
   Variant x(7.0), y(8.0);
   std::vector<Variant> args = {Variant(0), Variant::ByRef(x), Variant::ByRef(y)};
   EXPECT_EQ(ErrorNumber([&] { curve.Invoke("GetCalculatedPointFromIndex", CallKind::Method, args); }),
             Err::SubscriptOutOfRange);
   EXPECT_EQ(x.AsDouble(), 7.0);
-  EXPECT_EQ(ErrorNumber([&] { Sample(*c, 4); }), Err::SubscriptOutOfRange);  // a row after the last
   args[0] = Variant(3);
   curve.Invoke("GetCalculatedPointFromIndex", CallKind::Method, args);
   EXPECT_EQ(std::make_pair(x.AsDouble(), y.AsDouble()), Point(*c, 1.0));
@@ -164,15 +157,13 @@ TEST(Involute, SamplingMatchesTheLiteralModel) {
 }
 
 TEST(Involute, GetInvolutePointsOrdersByTheProperty) {
-  if (!HasFactory("TK2DArray")) GTEST_SKIP() << "TK2DArray is not built yet";
   auto c = NewInvolute(3.0);
   c->LetPoints(4);
   c->CalculatePointsThroughAngle(2);
   for (bool ccw : {true, false}) {
     c->LetCounterClockwise(ccw);
     Variant table(c->GetInvolutePoints());
-    EXPECT_EQ(table.Get("Rows").AsLong(), 4);
-    EXPECT_EQ(table.Get("Columns").AsLong(), 2);
+    ASSERT_EQ(table.Get("Rows").AsLong(), 4);
     for (int i = 1; i <= 4; ++i) {
       const auto expected = Sample(*c, ccw ? i : 5 - i);
       EXPECT_EQ(ToDouble(table.Call("GetValue", i, 1)), expected.first);

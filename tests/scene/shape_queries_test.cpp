@@ -24,13 +24,6 @@ TEST(IdentityTag, MillisecondsSinceMidnight) {
   EXPECT_EQ(Functions::IdentityTag(86399.9999), "TKUTIL@86399999");
 }
 
-TEST_F(ThreeLevels, PathsStartWithThePageAndEndWithSeparators) {
-  EXPECT_EQ(ToString(utils.Call("GetShapePath", extrude)), "Scene1//Assembly//Part//");
-  EXPECT_EQ(ToString(utils.Call("GetShapePath", part)), "Scene1//Assembly//");
-  // Directly under the top: the root is nameless, so the page name alone.
-  EXPECT_EQ(ToString(utils.Call("GetShapePath", assembly)), "Scene1//");
-}
-
 TEST_F(ThreeLevels, ParentSearchTagsTheShapeAndRestoresItsName) {
   Journal journal;
   EXPECT_TRUE(Same(utils.Call("GetShapeParent", extrude), part));
@@ -54,6 +47,7 @@ TEST_F(ThreeLevels, SameNamedSiblingsAreToldApartByTheTag) {
   const Variant inTwin = AddShape(twin, 5, "Extrude");
   EXPECT_TRUE(Same(Functions::FindShapeParent(inTwin), twin));
   EXPECT_TRUE(Same(Functions::FindShapeParent(extrude), part));
+  // Paths start with the page and end with a separator.
   EXPECT_EQ(ToString(utils.Call("GetShapePath", inTwin)), "Scene1//Assembly//Part//");
   // Same path and name, other identifier: not the same shape.
   EXPECT_FALSE(ToBoolean(utils.Call("IdenticalShapes", extrude, inTwin)));
@@ -71,15 +65,13 @@ TEST(IdenticalShapes, IdentifiersAreReadAsIntegers) {
   EXPECT_EQ(ToString(utils.Call("GetShapePath", big)), "Scene1//");  // the parent search reads a Long
 }
 
-TEST_F(ThreeLevels, ChildContainersByShapeType) {
+TEST_F(ThreeLevels, ChildContainersByShapeTypeAndDeletion) {
   EXPECT_TRUE(utils.Call("GetShapeHistory", extrude).IsNothing());
-  EXPECT_TRUE(Same(utils.Call("GetShapeHistory", part), part.Get("Components", 23).Call("Item", 1)));
   EXPECT_TRUE(Same(utils.Call("GetShapeHistory", assembly), assembly.Get("Components", 2).Call("Item", 1)));
-}
-
-TEST_F(ThreeLevels, DeleteRemovesFromTheParentsContainer) {
-  utils.Call("DeleteShape", extrude);
-  EXPECT_EQ(ToLong(part.Get("Components", 23).Call("Item", 1).Get("Shapes").Get("Count")), 0);
+  const Variant history = utils.Call("GetShapeHistory", part);
+  EXPECT_TRUE(Same(history, part.Get("Components", 23).Call("Item", 1)));
+  utils.Call("DeleteShape", extrude);  // from the parent's container
+  EXPECT_EQ(ToLong(history.Get("Shapes").Get("Count")), 0);
 }
 
 TEST_F(ThreeLevels, FaceOwnership) {

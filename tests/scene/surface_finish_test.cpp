@@ -5,17 +5,13 @@
 using namespace TessarkAO;
 using namespace TessarkAO::SceneTest;
 
-TEST(SurfaceFinish, FreshObjectHoldsTheDefaultsAndUpdatesNeedAShape) {
-  auto f = MakeRef<TKSurfaceFinish>();
-  EXPECT_EQ(f->GetHighlightColor(), 0xFFFFFF);
-  EXPECT_EQ(f->GetSurfaceColor(), 0xC0C0C0);
-  EXPECT_EQ(ErrorOf([&] { f->AssignDefaults(); }), 91);
-}
-
-TEST(SurfaceFinish, PresetsAndOtherValues) {
+TEST(SurfaceFinish, DefaultsPresetsAndOtherValues) {
   const Variant app(RefHost::NewApplication());
   const Variant extrude = AddShape(Root(app), 5, "Extrude");
   auto f = MakeRef<TKSurfaceFinish>();
+  EXPECT_EQ(f->GetHighlightColor(), 0xFFFFFF);  // the defaults before any shape
+  EXPECT_EQ(f->GetSurfaceColor(), 0xC0C0C0);
+  EXPECT_EQ(ErrorOf([&] { f->AssignDefaults(); }), 91);
   Variant v{Ref<Object>(f)};
   v.Set("Shape", extrude);
   ASSERT_EQ(CountOf(extrude, 7), 1);  // added on assignment

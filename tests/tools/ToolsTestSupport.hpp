@@ -4,9 +4,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <random>
 #include <string>
 
+#include "automation/AutomationError.hpp"
 #include "platform/UserInterface.hpp"
 
 namespace ToolsTest {
@@ -24,6 +26,17 @@ inline std::string WriteFile(const std::string& name, const std::string& content
   const std::filesystem::path p = TempDir() / name;
   std::ofstream(p, std::ios::binary) << content;
   return p.string();
+}
+
+// The number of the automation error `f` raises (0 for none), and its text.
+inline int ErrorOf(const std::function<void()>& f, std::string* description = nullptr) {
+  try {
+    f();
+  } catch (const TessarkAO::AutomationError& e) {
+    if (description) *description = e.Description();
+    return e.Number();
+  }
+  return 0;
 }
 
 inline TessarkAO::HeadlessUserInterface& Ui() {

@@ -137,12 +137,7 @@ TEST_F(DialogSettings, ClassIdentifiersAndQueryTool) {
 
 TEST_F(DialogSettings, HiddenEntryShowsTheSceneViewer) {
   // Without a page the viewer has nothing to show: 91.
-  try {
-    Clsid(707, 808);
-    FAIL();
-  } catch (const AutomationError& e) {
-    EXPECT_EQ(e.Number(), Err::ObjectNotSet);
-  }
+  EXPECT_EQ(ErrorOf([&] { Clsid(707, 808); }), Err::ObjectNotSet);
   Ref<Object> app = RefHost::NewApplication();
   Variant page[] = {Variant(app).Get("ActivePage")};
   utils_->Invoke("Page", CallKind::Set, page);

@@ -207,9 +207,19 @@ class SheetRange;
 struct Block {
   Ref<SheetData> sheet;
   std::int32_t r1 = 1, c1 = 1, r2 = 1, c2 = 1;
+  // The cell of a one-cell block once it has been written: a caller writing
+  // a cell's value and then its font properties looks the cell up once.
+  // Cells are never removed and the maps keep their nodes in place, so the
+  // pointer stays valid while the sheet lives (the block holds the sheet).
+  mutable Cell* written = nullptr;
   bool Single() const { return r1 == r2 && c1 == c2; }
   template <class F>
   void ForEach(F f) const {
+    if (Single()) {
+      if (!written) written = &sheet->At(r1, c1);
+      f(*written);
+      return;
+    }
     for (std::int32_t c = c1; c <= c2; ++c)
       for (std::int32_t r = r1; r <= r2; ++r) f(sheet->At(r, c));
   }
@@ -243,7 +253,7 @@ class SheetFont final : public Dispatch<SheetFont> {
 
  private:
   CellFont Top() const {
-    const Cell* c = block_.sheet->Find(block_.r1, block_.c1);
+    const Cell* c = block_.written ? block_.written : block_.sheet->Find(block_.r1, block_.c1);
     return c ? c->font : CellFont{};
   }
   Block block_;
@@ -304,6 +314,10 @@ class SheetRange final : public Dispatch<SheetRange> {
     }
     if (static_cast<std::int64_t>(block_.r2 - block_.r1 + 1) * (block_.c2 - block_.c1 + 1) > 10000000)
       Raise(Err::OutOfMemory);
+    if (block_.Single()) {
+      block_.ForEach([&](Cell& c) { c.value = std::move(stored); });
+      return;
+    }
     block_.ForEach([&](Cell& c) { c.value = stored; });
   }
   std::string Text() const { return DisplayText(TopValue(block_.r1, block_.c1)); }
@@ -609,19 +623,30 @@ void Save(const std::vector<Ref<Worksheet>>& sheets, const std::string& path) {
   lxw_workbook* wb = workbook_new(path.c_str());
   if (!wb) Raise(Err::OutOfMemory);
   std::map<FormatKey, lxw_format*> formats;
+  // Neighbouring cells mostly share their format: the last one found is
+  // tried first, without building a key.
+  const FormatKey* lastKey = nullptr;
+  lxw_format* lastFormat = nullptr;
   auto formatOf = [&](const Cell& cell) -> lxw_format* {
     const bool date = cell.value.Type() == VarType::Date;
     if (!date && cell.font.IsStandard()) return nullptr;
+    if (lastKey && lastKey->date == date && lastKey->size == cell.font.size && lastKey->bold == cell.font.bold &&
+        lastKey->italic == cell.font.italic && lastKey->name == cell.font.name)
+      return lastFormat;
     FormatKey key{cell.font.name, cell.font.size, cell.font.bold, cell.font.italic, date};
     auto it = formats.find(key);
-    if (it != formats.end()) return it->second;
-    lxw_format* f = workbook_add_format(wb);
-    format_set_font_name(f, key.name.c_str());
-    format_set_font_size(f, key.size);
-    if (key.bold) format_set_bold(f);
-    if (key.italic) format_set_italic(f);
-    if (date) format_set_num_format(f, "yyyy-mm-dd");
-    return formats.emplace(std::move(key), f).first->second;
+    if (it == formats.end()) {
+      lxw_format* f = workbook_add_format(wb);
+      format_set_font_name(f, key.name.c_str());
+      format_set_font_size(f, key.size);
+      if (key.bold) format_set_bold(f);
+      if (key.italic) format_set_italic(f);
+      if (date) format_set_num_format(f, "yyyy-mm-dd");
+      it = formats.emplace(std::move(key), f).first;
+    }
+    lastKey = &it->first;
+    lastFormat = it->second;
+    return lastFormat;
   };
   lxw_error err = LXW_NO_ERROR;
   for (const Ref<Worksheet>& ws : sheets) {
