@@ -2,52 +2,14 @@
 
 #include <array>
 #include <bit>
-#include <cstring>
 #include <new>
 #include <stdexcept>
 
 namespace TessarkAO {
 
 namespace {
-inline unsigned char LowerAscii(unsigned char c) noexcept {
-  return (c >= 'A' && c <= 'Z') ? static_cast<unsigned char>(c | 0x20) : c;
-}
 constexpr std::size_t kMaxArgs = 16;
 }  // namespace
-
-std::uint64_t HashNameNoCase(std::string_view name) noexcept {
-  // Eight bytes at a time, each with its 0x20 bit set: that maps A-Z onto
-  // a-z, so names that differ only in ASCII case hash alike.  Other bytes may
-  // fold together too, which costs a probe at most: Find compares exactly.
-  constexpr std::uint64_t kFold = 0x2020202020202020ull;
-  constexpr std::uint64_t kMul = 0xff51afd7ed558ccdull;
-  std::uint64_t h = 0x9e3779b97f4a7c15ull ^ name.size();
-  const char* p = name.data();
-  std::size_t n = name.size();
-  auto mix = [&](std::uint64_t w) {
-    h = (h ^ w) * kMul;
-    h ^= h >> 32;
-  };
-  for (; n >= 8; p += 8, n -= 8) {
-    std::uint64_t w;
-    std::memcpy(&w, p, 8);
-    mix(w | kFold);
-  }
-  if (n > 0) {
-    std::uint64_t w = 0;
-    for (std::size_t i = 0; i < n; ++i) w |= std::uint64_t{static_cast<unsigned char>(p[i]) | 0x20u} << (8 * i);
-    mix(w);
-  }
-  return h ^ (h >> 29);
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) noexcept {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i)
-    if (LowerAscii(static_cast<unsigned char>(a[i])) != LowerAscii(static_cast<unsigned char>(b[i])))
-      return false;
-  return true;
-}
 
 ClassInfo::ClassInfo(std::string name, std::vector<MemberInfo> members, DispId defaultMember)
     : name_(std::move(name)), members_(std::move(members)), default_(defaultMember) {
@@ -63,18 +25,6 @@ ClassInfo::ClassInfo(std::string name, std::vector<MemberInfo> members, DispId d
       h = (h + 1) & mask_;
     }
     slots_[h] = static_cast<std::int32_t>(i + 1);
-  }
-}
-
-DispId ClassInfo::Find(std::string_view name) const noexcept {
-  if (slots_.empty()) return DispIdUnknown;
-  std::uint64_t h = HashNameNoCase(name) & mask_;
-  for (;;) {
-    const std::int32_t s = slots_[h];
-    if (s == 0) return DispIdUnknown;
-    const MemberInfo& m = members_[static_cast<std::size_t>(s - 1)];
-    if (EqualsNoCase(m.name, name)) return m.id;
-    h = (h + 1) & mask_;
   }
 }
 

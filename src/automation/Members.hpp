@@ -296,10 +296,41 @@ class ClassInfo {
   std::uint64_t mask_ = 0;
 };
 
-// A hash of a name that ignores ASCII case (equal under EqualsNoCase ->
-// equal hashes).
-std::uint64_t HashNameNoCase(std::string_view name) noexcept;
-bool EqualsNoCase(std::string_view a, std::string_view b) noexcept;
+// FNV-1a over the ASCII-lower-cased bytes of a name.  Inline with Find:
+// a call by name is a lookup of a short name, and the calls cost as much as
+// the hashing.
+inline std::uint64_t HashNameNoCase(std::string_view name) noexcept {
+  std::uint64_t h = 1469598103934665603ull;
+  for (const char ch : name) {
+    const unsigned char c = static_cast<unsigned char>(ch);
+    h ^= (c >= 'A' && c <= 'Z') ? (c | 0x20u) : c;
+    h *= 1099511628211ull;
+  }
+  return h ^ (h >> 29);
+}
+
+inline bool EqualsNoCase(std::string_view a, std::string_view b) noexcept {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    unsigned char x = static_cast<unsigned char>(a[i]), y = static_cast<unsigned char>(b[i]);
+    if (x >= 'A' && x <= 'Z') x |= 0x20;
+    if (y >= 'A' && y <= 'Z') y |= 0x20;
+    if (x != y) return false;
+  }
+  return true;
+}
+
+inline DispId ClassInfo::Find(std::string_view name) const noexcept {
+  if (slots_.empty()) return DispIdUnknown;
+  std::uint64_t h = HashNameNoCase(name) & mask_;
+  for (;;) {
+    const std::int32_t s = slots_[h];
+    if (s == 0) return DispIdUnknown;
+    const MemberInfo& m = members_[static_cast<std::size_t>(s - 1)];
+    if (EqualsNoCase(m.name, name)) return m.id;
+    h = (h + 1) & mask_;
+  }
+}
 
 // ---------------------------------------------------------------------------
 // Annotations accepted by the builder after the member's name.

@@ -21,6 +21,7 @@ std::string TKExports::GetCellAddress(std::int32_t row, std::int32_t column) {
   // Chr(64 + column): a code outside 0 to 255 is an invalid argument (5).
   const std::int32_t code = 64 + column;
   if (code < 0 || code > 255) Raise(Err::InvalidCall);
+  if (code > ' ' && code < 0x80) return static_cast<char>(code) + std::to_string(row);  // nothing to trim
   std::string letter(1, static_cast<char>(code));
   if (code >= 0x80) letter = ToUtf8(std::u16string(1, static_cast<char16_t>(code)));  // Latin-1 character
   return std::string(TrimBlanks(letter)) + std::to_string(row);

@@ -19,6 +19,7 @@
 #include <cstdlib>
 #include <map>
 #include <string>
+#include <algorithm>
 #include <tuple>
 #include <unordered_map>
 #include <vector>
@@ -658,24 +659,28 @@ void Save(const std::vector<Ref<Worksheet>>& sheets, const std::string& path) {
     }
     for (const auto& [c, width] : data.widths)
       worksheet_set_column(sheet, static_cast<lxw_col_t>(c - 1), static_cast<lxw_col_t>(c - 1), width, nullptr);
-    for (const auto& [c, cells] : data.columns) {
+    // Row by row, as the writer lays the sheet out: it files cells by row.
+    std::vector<std::tuple<std::int32_t, std::int32_t, const Cell*>> order;
+    for (const auto& [c, cells] : data.columns)
+      for (const auto& [r, cell] : cells) order.emplace_back(r, c, &cell);
+    std::sort(order.begin(), order.end());
+    for (const auto& [r, c, cellPointer] : order) {
+      const Cell& cell = *cellPointer;
       const lxw_col_t col = static_cast<lxw_col_t>(c - 1);
-      for (const auto& [r, cell] : cells) {
-        const lxw_row_t row = static_cast<lxw_row_t>(r - 1);
-        lxw_format* f = formatOf(cell);
-        const Variant& v = cell.value;
-        lxw_error e = LXW_NO_ERROR;
-        switch (v.Type()) {
-          case VarType::Empty:
-            if (f) e = worksheet_write_blank(sheet, row, col, f);
-            break;
-          case VarType::String: e = worksheet_write_string(sheet, row, col, v.AsString().c_str(), f); break;
-          case VarType::Boolean: e = worksheet_write_boolean(sheet, row, col, v.AsBoolean() ? 1 : 0, f); break;
-          case VarType::Date: e = worksheet_write_number(sheet, row, col, v.AsDate().serial, f); break;
-          default: e = worksheet_write_number(sheet, row, col, ToDouble(v), f); break;
-        }
-        if (e != LXW_NO_ERROR && err == LXW_NO_ERROR) err = e;
+      const lxw_row_t row = static_cast<lxw_row_t>(r - 1);
+      lxw_format* f = formatOf(cell);
+      const Variant& v = cell.value;
+      lxw_error e = LXW_NO_ERROR;
+      switch (v.Type()) {
+        case VarType::Empty:
+          if (f) e = worksheet_write_blank(sheet, row, col, f);
+          break;
+        case VarType::String: e = worksheet_write_string(sheet, row, col, v.AsString().c_str(), f); break;
+        case VarType::Boolean: e = worksheet_write_boolean(sheet, row, col, v.AsBoolean() ? 1 : 0, f); break;
+        case VarType::Date: e = worksheet_write_number(sheet, row, col, v.AsDate().serial, f); break;
+        default: e = worksheet_write_number(sheet, row, col, ToDouble(v), f); break;
       }
+      if (e != LXW_NO_ERROR && err == LXW_NO_ERROR) err = e;
     }
   }
   const lxw_error closed = workbook_close(wb);
