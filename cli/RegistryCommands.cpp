@@ -176,6 +176,7 @@ int RegExport(const Arguments& args) {
   Store store(args);
   std::string text;
   const RegStatus status = store->ExportRegText(key.root, key.path, text);
+  if (status == WinError::FileNotFound) throw CommandError("no key " + args.Positionals()[1]);
   if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
   std::fwrite(text.data(), 1, text.size(), stdout);
   return 0;

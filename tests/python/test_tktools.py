@@ -160,6 +160,7 @@ def test_reg_set_get_export_and_import(tmp_path):
         (["reg", "set", "HKCU\\A", "v", "word:1", "--reg-data"], 2, "tktools reg: 'word:1' is not value data"),
         (["reg", "set", "HKCU", "v", "x"], 2, "tktools reg: values are not written straight below a root key"),
         (["reg", "get", "HKCU\\Nowhere", "v"], 1, "tktools reg: no key HKCU\\Nowhere"),
+        (["reg", "export", "HKCU\\Nowhere"], 1, "tktools reg: no key HKCU\\Nowhere"),
         (["reg", "import", "/nonexistent.reg"], 1, "tktools reg: the registry store answered"),
     ],
 )
