@@ -50,6 +50,11 @@ inline Variant ChildContainer(const Variant& shape) {
   return Comp(shape, ToLong(shape.Get("Type")) == 1 ? 2 : 23);
 }
 
+// The profile of a shape with a profile (extrusion, curved stock).
+inline Variant ProfileOf(const Variant& shape) {
+  return shape.Get("Components", 15).Call("Item", 1).Get("Profile");
+}
+
 inline Variant AddShape(const Variant& parent, int kind) {
   return ChildContainer(parent).Get("Shapes", kind).Call("Add");
 }
@@ -76,16 +81,20 @@ struct Pose {
   double x, y, z, ax, ay, az, angle;
 };
 
+inline std::vector<Variant> PoseArgs(const Pose& p) {
+  return {Variant(p.x), Variant(p.y), Variant(p.z), Variant(p.ax), Variant(p.ay), Variant(p.az), Variant(p.angle)};
+}
+
+inline Pose ToPose(const std::vector<double>& v) { return {v[0], v[1], v[2], v[3], v[4], v[5], v[6]}; }
+
 inline std::vector<double> Up(const Variant& shape, const Pose& p) {
-  return CallDoubles(shape, "GetPointTransformUp",
-                     {Variant(p.x), Variant(p.y), Variant(p.z), Variant(p.ax), Variant(p.ay), Variant(p.az),
-                      Variant(p.angle)});
+  return CallDoubles(shape, "GetPointTransformUp", PoseArgs(p));
 }
 
 inline std::vector<double> Down(const Variant& shape, const Variant& child, const Pose& p) {
-  return CallDoubles(shape, "GetPointTransformDown",
-                     {child, Variant(p.x), Variant(p.y), Variant(p.z), Variant(p.ax), Variant(p.ay),
-                      Variant(p.az), Variant(p.angle)});
+  std::vector<Variant> args = PoseArgs(p);
+  args.insert(args.begin(), child);
+  return CallDoubles(shape, "GetPointTransformDown", std::move(args));
 }
 
 // A scene of nested assemblies and parts with leaves of several kinds, every

@@ -46,7 +46,7 @@ Variant FindShapeParentModel(const Variant& shape) {
 
 }  // namespace
 
-TEST(Model, ANewApplicationHasOneEmptyScene) {
+TEST(Model, ANewSceneAndTheShapesAddedToIt) {
   Variant app(RefHost::NewApplication());
   EXPECT_EQ(ToLong(app.Get("Pages").Get("Count")), 1);
   Variant page = app.Get("ActivePage");
@@ -58,31 +58,13 @@ TEST(Model, ANewApplicationHasOneEmptyScene) {
   EXPECT_EQ(ToString(root.Get("Name")), "");
   EXPECT_EQ(ToLong(root.Get("Type")), 1);
   EXPECT_EQ(ToLong(root.Get("Components", 18).Get("Count")), 1);
-  EXPECT_EQ(ToLong(root.Get("Components", 2).Call("Item", 1).Get("Shapes").Get("Count")), 0);
   EXPECT_TRUE(root.Get("Parent").IsNothing());
   EXPECT_TRUE(SameValue(root.Get("Page"), page));
   EXPECT_EQ(ToDouble(page.Get("UnitsScale", 2)), 0.001);
   EXPECT_EQ(ToDouble(page.Get("UnitsScale", 1)), 0.017453292519943295);
   EXPECT_EQ(ToLong(page.Get("SelectedItems").Get("Count")), 0);
-}
 
-TEST(Model, TheLibrarysParentSearchFindsEveryParentInRandomScenes) {
-  for (unsigned seed = 1; seed <= 4; ++seed) {
-    std::mt19937 rng(seed);
-    RandomScene s = MakeRandomScene(rng, 50, false);
-    // Shapes share names on purpose: the search must still tell them apart.
-    for (std::size_t i = 0; i < s.shapes.size(); ++i) s.shapes[i].Let("Name", i % 2 ? "Twin" : "Other");
-    for (std::size_t i = 0; i < s.shapes.size(); ++i) {
-      Variant found = FindShapeParentModel(s.shapes[i]);
-      EXPECT_TRUE(SameValue(found, s.parents[i])) << "seed " << seed << " shape " << i;
-      EXPECT_EQ(ToString(s.shapes[i].Get("Name")), i % 2 ? "Twin" : "Other");
-    }
-  }
-}
-
-TEST(Model, ShapesAddedByKindCarryTheirComponents) {
-  Variant app(RefHost::NewApplication());
-  Variant root = Root(app);
+  // Shapes added by kind carry their components.
   struct Row {
     int kind;
     std::vector<int> has;
@@ -98,7 +80,7 @@ TEST(Model, ShapesAddedByKindCarryTheirComponents) {
     EXPECT_TRUE(SameValue(s.Get("Application"), app));
   }
   Variant shapes = root.Get("Components", 2).Call("Item", 1).Get("Shapes");
-  EXPECT_EQ(ToLong(shapes.Get("Count")), 6);
+  EXPECT_EQ(ToLong(shapes.Get("Count")), 6);  // the new scene's were none
   EXPECT_EQ(ToString(shapes.Call("Item", 2).Get("Name")), "Part");
   EXPECT_EQ(ErrorOf([&] { shapes.Call("Add"); }), 5);  // no kind given
   EXPECT_EQ(ErrorOf([&] { root.Get("Components", 2).Call("Item", 1).Get("Shapes", 99).Call("Add"); }), 5);
@@ -107,6 +89,20 @@ TEST(Model, ShapesAddedByKindCarryTheirComponents) {
   for (int i = 0; i < 1000; ++i) deep = AddShape(deep, 1);
   EXPECT_EQ(ErrorOf([&] { AddShape(deep, 1); }), 5);
   EXPECT_EQ(ErrorOf([&] { shapes.Call("Item", 0); }), 9);
+}
+
+TEST(Model, TheLibrarysParentSearchFindsEveryParentInRandomScenes) {
+  for (unsigned seed = 1; seed <= 4; ++seed) {
+    std::mt19937 rng(seed);
+    RandomScene s = MakeRandomScene(rng, 50, false);
+    // Shapes share names on purpose: the search must still tell them apart.
+    for (std::size_t i = 0; i < s.shapes.size(); ++i) s.shapes[i].Let("Name", i % 2 ? "Twin" : "Other");
+    for (std::size_t i = 0; i < s.shapes.size(); ++i) {
+      Variant found = FindShapeParentModel(s.shapes[i]);
+      EXPECT_TRUE(SameValue(found, s.parents[i])) << "seed " << seed << " shape " << i;
+      EXPECT_EQ(ToString(s.shapes[i].Get("Name")), i % 2 ? "Twin" : "Other");
+    }
+  }
 }
 
 TEST(Model, ComponentsAndVariablesByNumber) {
@@ -152,28 +148,13 @@ TEST(Model, UnknownMembersRaise438OnEveryObject) {
   Variant ext = AddShape(root, 5);
   Variant facet = AddShape(root, 2);
   Variant bend = AddShape(root, 14);
-  Variant path = ext.Get("Components", 15).Call("Item", 1).Get("Profile").Get("Components", 3).Call("Add");
-  const Variant objects[] = {app,
-                             app.Get("Pages"),
-                             page,
-                             page.Get("SelectedItems"),
-                             root,
-                             root.Get("BoundingBox"),
-                             root.Get("Components", 2),
-                             root.Get("Components", 2).Call("Item", 1),
-                             root.Get("Components", 2).Call("Item", 1).Get("Shapes"),
-                             Comp(ext, 4),
-                             Comp(ext, 4).Call("Variable", 1),
-                             Comp(ext, 4).Get("Variables"),
-                             Comp(ext, 7),
-                             Comp(ext, 7).Get("SurfaceFinish"),
-                             Comp(facet, 10).Get("Faces"),
-                             Comp(facet, 10).Get("Faces").Call("Add"),
-                             Comp(bend, 66),
-                             ext.Get("Components", 15).Call("Item", 1).Get("Profile"),
-                             path,
-                             path.Get("Curves"),
-                             path.Call("AddLineTo", 1.0, 1.0)};
+  Variant path = ProfileOf(ext).Get("Components", 3).Call("Add");
+  const Variant list2 = root.Get("Components", 2), group = list2.Call("Item", 1), pos = Comp(ext, 4);
+  const Variant finish = Comp(ext, 7), faces = Comp(facet, 10).Get("Faces"), profile = ProfileOf(ext);
+  const Variant objects[] = {app, app.Get("Pages"), page, page.Get("SelectedItems"), root, root.Get("BoundingBox"),
+                             list2, group, group.Get("Shapes"), pos, pos.Call("Variable", 1), pos.Get("Variables"),
+                             finish, finish.Get("SurfaceFinish"), faces, faces.Call("Add"), Comp(bend, 66), profile,
+                             path, path.Get("Curves"), path.Call("AddLineTo", 1.0, 1.0)};
   for (const Variant& o : objects) {
     EXPECT_EQ(ErrorOf([&] { o.Get("NoSuchMember"); }), 438) << RefHost::DescribeObject(o.AsObject());
     EXPECT_EQ(ErrorOf([&] { o.Call("Frobnicate", 1); }), 438) << RefHost::DescribeObject(o.AsObject());
@@ -193,8 +174,8 @@ TEST(Model, FinishBendAndFaceComponents) {
   EXPECT_EQ(ToLong(Comp(part, 7).Call("Variable", 5)), 255);
   EXPECT_TRUE(ToBoolean(Comp(part, 7).Get("SurfaceFinish").Get("Metallic")));
   EXPECT_EQ(ErrorOf([&] { finish.Let("SurfaceColor", std::int32_t{0x1000000}); }), 5);
-  EXPECT_EQ(ErrorOf([&] { finish.Let("HighlightColor", std::int32_t{1}); }),
-            438);  // the host spells it Highlights
+  // The host spells it Highlights.
+  EXPECT_EQ(ErrorOf([&] { finish.Let("HighlightColor", std::int32_t{1}); }), 438);
 
   Variant bend = Comp(AddShape(part, 14), 66);
   EXPECT_DOUBLE_EQ(ToDouble(bend.Get("Angle")), 1.5707963267948966);
@@ -227,21 +208,18 @@ TEST(Model, FinishBendAndFaceComponents) {
 TEST(Model, SizeBoxFitsTheGeometryAndTheBoundingBoxIsPlaced) {
   Variant app(RefHost::NewApplication());
   Variant ext = AddShape(Root(app), 5);
-  Variant path = ext.Get("Components", 15).Call("Item", 1).Get("Profile").Get("Components", 3).Call("Add");
+  Variant path = ProfileOf(ext).Get("Components", 3).Call("Add");
   path.Call("SetStartPoint", -5.0, 0.0);
   path.Call("AddLineTo", 5.0, 0.0);
   path.Call("AddLineTo", 5.0, 20.0);
   SetVar(ext, 14, 55, 4.0);
   SetVar(ext, 14, 56, 2.0);
   ext.Call("ResetSizeBox");
-  EXPECT_EQ(GetVar(ext, 1, 1), 10.0);
-  EXPECT_EQ(GetVar(ext, 1, 2), 20.0);
-  EXPECT_EQ(GetVar(ext, 1, 3), 6.0);
-  EXPECT_EQ(GetVar(ext, 1, 11), -5.0);
-  EXPECT_EQ(GetVar(ext, 1, 13), -2.0);
+  EXPECT_EQ((std::vector{GetVar(ext, 1, 1), GetVar(ext, 1, 2), GetVar(ext, 1, 3), GetVar(ext, 1, 11),
+                         GetVar(ext, 1, 13)}),
+            (std::vector{10.0, 20.0, 6.0, -5.0, -2.0}));
   ext.Call("RealignAnchor");
-  EXPECT_EQ(GetVar(ext, 5, 1), -5.0);
-  EXPECT_EQ(GetVar(ext, 5, 3), -2.0);
+  EXPECT_EQ((std::vector{GetVar(ext, 5, 1), GetVar(ext, 5, 3)}), (std::vector{-5.0, -2.0}));
   // The anchor corner sits at the position (100, 0, 0); a quarter turn about Z.
   SetVar(ext, 4, 1, 100.0);
   SetVar(ext, 4, 6, 1.0);
@@ -302,14 +280,8 @@ TEST(Model, TheJournalRecordsEveryCallInOrder) {
   part.Get("Name");  // not recorded
   const std::vector<RefHost::JournalEntry> j = RefHost::Journal();
   ASSERT_EQ(j.size(), 7u) << RefHost::FormatJournal(j);
-  EXPECT_EQ(j[0].object, "Scene1//Part");
-  EXPECT_EQ(j[0].member, "Components");
-  EXPECT_EQ(j[0].kind, CallKind::Get);
-  EXPECT_EQ(j[1].object, "Scene1//Part.Components(4)");
-  EXPECT_EQ(j[2].object, "Scene1//Part.Components(4).Item(1)");
   EXPECT_EQ(j[3].object, "Scene1//Part.Components(4).Item(1).Variable(2)");
   EXPECT_EQ(j[3].kind, CallKind::Let);
-  EXPECT_EQ(j[4].member, "Explode");
   EXPECT_EQ(RefHost::FormatJournal(j),
             "get  Scene1//Part.Components(4&)\n"
             "call Scene1//Part.Components(4).Item(1&)\n"
