@@ -35,16 +35,10 @@ def test_element_types_and_empty_arrays():
 
 
 def test_malformed_input_is_refused():
-    with pytest.raises(ValueError):
-        tk.Array([[1, 2], [3]])
-    with pytest.raises(ValueError):
-        tk.Array([[1, 2], 3])
-    with pytest.raises(ValueError):
-        tk.Array([1, [2]])
-    with pytest.raises(ValueError):
-        tk.Array([1, 2], lbounds=(0, 0))
-    with pytest.raises(ValueError):
-        tk.Array([1], vartype="Null")
+    ragged = [([[1, 2], [3]], {}), ([[1, 2], 3], {}), ([1, [2]], {})]
+    for value, options in ragged + [([1, 2], {"lbounds": (0, 0)}), ([1], {"vartype": "Null"})]:
+        with pytest.raises(ValueError):
+            tk.Array(value, **options)
     with pytest.raises(TypeError):
         tk.Array(5)
     with pytest.raises(tk.AutomationError):

@@ -13,16 +13,12 @@ def add_part(app):
     return root.Components(2).Item(1).Shapes(3).Add()
 
 
-def test_a_new_scene_is_one_empty_page():
+def test_a_new_scene_and_its_members_through_proxies(raises_number):
     app = tk.refhost.new_application()
     page = app.ActivePage
     assert (app.Name, page.Name, app.Pages.Count) == ("Tessark", "Scene1", 1)
     assert page.Shape.Name == "" and page.Shape.Parent is None
     assert tk.same(app.Pages(1), page) and tk.same(app.Pages["Scene1"], page)
-
-
-def test_host_members_are_reached_through_proxies(raises_number):
-    app = tk.refhost.new_application()
     part = add_part(app)
     part.Name = "Part"
     position = part.Components(4).Item(1)

@@ -12,30 +12,14 @@ D = decimal.Decimal
 @pytest.mark.parametrize(
     "value, typename",
     [
-        (1.5, "Double"),
-        (7, "Long"),
-        (-(2**31), "Long"),
+        (1.5, "Double"), (7, "Long"), (-(2**31), "Long"),
         (2**31, "Double"),  # beyond Long: a Double, as for a literal too large for a Long
-        (True, "Boolean"),
-        ("text", "String"),
-        (None, "Nothing"),
-        (tk.Empty, "Empty"),
-        (tk.Null, "Null"),
-        (tk.Integer(3), "Integer"),
-        (tk.Long(3), "Long"),
-        (tk.Single(0.5), "Single"),
-        (tk.Double(2), "Double"),
-        (tk.Currency(1), "Currency"),
-        (tk.Byte(200), "Byte"),
-        (tk.Date(1.0), "Date"),
-        (tk.Decimal(1), "Decimal"),
-        (tk.Boolean(0), "Boolean"),
-        (tk.String(5), "String"),
-        (D("1.25"), "Decimal"),
-        (datetime.datetime(2024, 1, 2, 3, 4, 5), "Date"),
-        (datetime.date(2024, 1, 2), "Date"),
-        ([1, "a"], "Variant()"),
-        (tk.Array([1, 2], vartype="Double"), "Double()"),
+        (True, "Boolean"), ("text", "String"), (None, "Nothing"), (tk.Empty, "Empty"), (tk.Null, "Null"),
+        (tk.Integer(3), "Integer"), (tk.Long(3), "Long"), (tk.Single(0.5), "Single"), (tk.Double(2), "Double"),
+        (tk.Currency(1), "Currency"), (tk.Byte(200), "Byte"), (tk.Date(1.0), "Date"), (tk.Decimal(1), "Decimal"),
+        (tk.Boolean(0), "Boolean"), (tk.String(5), "String"), (D("1.25"), "Decimal"),
+        (datetime.datetime(2024, 1, 2, 3, 4, 5), "Date"), (datetime.date(2024, 1, 2), "Date"),
+        ([1, "a"], "Variant()"), (tk.Array([1, 2], vartype="Double"), "Double()"),
         (tk.Variant(5, vt="Integer"), "Integer"),
     ],
 )
@@ -51,13 +35,8 @@ def test_results_come_back_as_python_values_or_typed_wrappers(sample):
     assert sample.Echo(tk.Empty) is tk.Empty
     assert sample.Echo(tk.Null) is tk.Null
     # Types without a plain Python counterpart keep their type on the way back.
-    for wrapper, value in [
-        (tk.Integer, -7),
-        (tk.Single, 0.25),
-        (tk.Byte, 255),
-        (tk.Currency, D("12.3456")),
-        (tk.Decimal, D("-1.500")),
-    ]:
+    for wrapper, value in [(tk.Integer, -7), (tk.Single, 0.25), (tk.Byte, 255), (tk.Currency, D("12.3456")),
+                           (tk.Decimal, D("-1.500"))]:
         back = sample.Echo(wrapper(value))
         assert type(back) is wrapper
         assert back.value == value
