@@ -71,4 +71,12 @@ inline void ClearAll(std::vector<VARIANT>& args) {
   for (VARIANT& v : args) VariantClear(&v);
 }
 
+// Invokes by name with arguments the call owns and clears afterwards; the
+// variables behind by-reference ones are the caller's and keep what the
+// callee wrote.
+inline void Call(IDispatch* d, const wchar_t* name, WORD flags, std::vector<VARIANT> args, CallResult& r) {
+  Invoke(d, name, flags, args, r);
+  ClearAll(args);
+}
+
 }  // namespace WineTest

@@ -64,23 +64,15 @@ inline int RunAll(int argc, char** argv) {
   static void WT_CAT(wt_case_, __LINE__)();                                           \
   static const WineTest::Register WT_CAT(wt_reg_, __LINE__)(name, &WT_CAT(wt_case_, __LINE__)); \
   static void WT_CAT(wt_case_, __LINE__)()
-#define CHECK(cond)                                           \
-  do {                                                        \
-    if (!(cond)) WineTest::Fail(__FILE__, __LINE__, #cond);   \
-  } while (0)
-#define CHECK_EQ(a, b)                                                                            \
-  do {                                                                                            \
-    const auto& wt_a = (a);                                                                       \
-    const auto& wt_b = (b);                                                                       \
-    if (!(wt_a == wt_b)) WineTest::Fail(__FILE__, __LINE__, std::string(#a " == " #b));           \
-  } while (0)
-#define CHECK_HR(expr, expected)                                                                  \
-  do {                                                                                            \
-    const HRESULT wt_hr = (expr);                                                                 \
-    if (wt_hr != static_cast<HRESULT>(expected)) {                                                \
-      char wt_buf[160];                                                                           \
-      std::snprintf(wt_buf, sizeof wt_buf, "%s gave 0x%08lX, expected 0x%08lX", #expr,            \
-                    static_cast<unsigned long>(wt_hr), static_cast<unsigned long>(expected));     \
-      WineTest::Fail(__FILE__, __LINE__, wt_buf);                                                 \
-    }                                                                                             \
+#define CHECK(cond) do { if (!(cond)) WineTest::Fail(__FILE__, __LINE__, #cond); } while (0)
+#define CHECK_EQ(a, b) CHECK((a) == (b))
+#define CHECK_HR(expr, expected)                                                                       \
+  do {                                                                                                 \
+    const HRESULT wt_hr = (expr);                                                                      \
+    if (wt_hr != static_cast<HRESULT>(expected)) {                                                     \
+      char wt_buf[160];                                                                                \
+      std::snprintf(wt_buf, sizeof wt_buf, "%s gave 0x%08lX, expected 0x%08lX", #expr,                 \
+                    static_cast<unsigned long>(wt_hr), static_cast<unsigned long>(expected));          \
+      WineTest::Fail(__FILE__, __LINE__, wt_buf);                                                      \
+    }                                                                                                  \
   } while (0)

@@ -59,7 +59,7 @@ std::wstring ServerPath() {
 
 }  // namespace
 
-TEST_CASE("every served class is created by ProgID and by CLSID and answers every earlier IID") {
+TEST_CASE("every served class is created by ProgID and by CLSID, answers every earlier IID, reports errors") {
   int served = 0;
   for (const ClassRecord& r : LibraryClasses()) {
     const GUID clsid = G(r.clsid);
@@ -96,6 +96,12 @@ TEST_CASE("every served class is created by ProgID and by CLSID and answers ever
       CHECK(again == identity);
       if (again) again->Release();
       if (p) p->Release();
+    }
+    ISupportErrorInfo* sei = nullptr;
+    CHECK_HR(d->QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(&sei)), S_OK);
+    if (sei) {
+      CHECK_HR(sei->InterfaceSupportsErrorInfo(G(r.iid)), S_OK);
+      sei->Release();
     }
     identity->Release();
     byProgId->Release();
@@ -173,9 +179,8 @@ TEST_CASE("errors reach the caller with the classic number, description and sour
   IDispatch* d = r ? Create(*r) : nullptr;
   CHECK(d);
   if (!d) return;
-  std::vector<VARIANT> id{I4(100)};
-  CallResult a;
-  Invoke(d, L"LoadString", DISPATCH_METHOD | DISPATCH_PROPERTYGET, id, a);
+  CallResult a, unknown;
+  Call(d, L"LoadString", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {I4(100)}, a);
   CHECK_HR(a.hr, DISP_E_EXCEPTION);
   CHECK_HR(a.error.scode, 0x800A0146);
   CHECK(a.Description() == L"Resource with identifier '100' not found");
@@ -189,22 +194,14 @@ TEST_CASE("errors reach the caller with the classic number, description and sour
     SysFreeString(source);
     info->Release();
   }
-  struct Case {
-    std::vector<VARIANT> args;
-    unsigned long scode;
-  };
-  std::vector<Case> cases;
-  cases.push_back({{Str(L"abc")}, 0x800A000D});
-  cases.push_back({{}, 0x800A01C1});
-  cases.push_back({{I4(1), I4(2)}, 0x800A01C2});
-  for (Case& c : cases) {
+  const std::pair<std::vector<VARIANT>, unsigned long> cases[] = {
+      {{Str(L"abc")}, 0x800A000D}, {{}, 0x800A01C1}, {{I4(1), I4(2)}, 0x800A01C2}};
+  for (const auto& [args, scode] : cases) {
     CallResult r2;
-    Invoke(d, L"LoadString", DISPATCH_METHOD, c.args, r2);
-    ClearAll(c.args);
-    CHECK_HR(r2.error.scode, c.scode);
+    Call(d, L"LoadString", DISPATCH_METHOD, args, r2);
+    CHECK_HR(r2.error.scode, scode);
   }
   std::vector<VARIANT> none;
-  CallResult unknown;
   InvokeId(d, 4242, DISPATCH_METHOD, none, unknown);
   CHECK_HR(unknown.hr, DISP_E_MEMBERNOTFOUND);
   d->Release();
@@ -221,9 +218,8 @@ TEST_CASE("the string table is a real string resource, and LoadString reads it")
     const int n = data ? LoadStringW(data, static_cast<UINT>(id), reinterpret_cast<LPWSTR>(&p), 0) : 0;
     CHECK(n > 0 && Win32::Narrow(p, static_cast<std::size_t>(n)) == text);
     if (d) {
-      std::vector<VARIANT> args{I4(id)};
       CallResult c;
-      Invoke(d, L"LoadString", DISPATCH_METHOD, args, c);
+      Call(d, L"LoadString", DISPATCH_METHOD, {I4(id)}, c);
       CHECK(V_VT(&c.result) == VT_BSTR && Win32::Narrow(V_BSTR(&c.result), SysStringLen(V_BSTR(&c.result))) == text);
     }
   }
@@ -293,22 +289,15 @@ namespace {
 int CheckUnregistered() {
   int left = 0;
   const auto trees = Com::RegistrationTrees(LibraryClasses(), Com::ServerTypeLibrary());
-  for (HKEY root : {HKEY_CLASSES_ROOT}) {
-    for (const std::string& tree : trees) {
-      if (KeyExists(root, tree)) {
-        std::printf("  left behind: %s\n", tree.c_str());
+  const std::pair<HKEY, std::string> places[] = {{HKEY_CLASSES_ROOT, ""},
+                                                 {HKEY_LOCAL_MACHINE, "Software\\Classes\\"},
+                                                 {HKEY_CURRENT_USER, "Software\\Classes\\"}};
+  for (const auto& [root, prefix] : places)
+    for (const std::string& tree : trees)
+      if (KeyExists(root, prefix + tree)) {
+        std::printf("  left behind: %s%s\n", prefix.c_str(), tree.c_str());
         ++left;
       }
-    }
-  }
-  for (const char* prefix : {"Software\\Classes\\"}) {
-    for (HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
-      for (const std::string& tree : trees)
-        if (KeyExists(root, prefix + tree)) {
-          std::printf("  left behind: %s%s\n", prefix, tree.c_str());
-          ++left;
-        }
-  }
   std::printf("%s no key of the server is left\n", left == 0 ? "PASS" : "FAIL");
   std::printf("%d passed, %d failed\n", left == 0 ? 1 : 0, left == 0 ? 0 : 1);
   return left == 0 ? 0 : 1;

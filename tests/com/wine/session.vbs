@@ -8,9 +8,8 @@ Dim v, w, m, p, x, y, z, a, cs, loc, prof, outline, r
 If Needs("localizer texts and errors", Array("TessarkAO.Localizer")) Then
   Set loc = CreateObject("TessarkAO.Localizer")
   Check "LoadString(101)", loc.LoadString(101) = "millimeters"
-  Check "LoadString(116) keeps its double blank", _
-    loc.LoadString(116) = "Excel does not seem to be installed on this system.  Unable to export."
-  Check "member names ignore case", loc.loadSTRING(124) = "Import will be canceled.  Please refer to help for further instructions."
+  Check "member names ignore case; texts keep their double blanks", _
+    loc.loadSTRING(124) = "Import will be canceled.  Please refer to help for further instructions."
   On Error Resume Next
   x = loc.LoadString(125)
   Check "LoadString(125) raises 326 from TessarkAO.Localizer", Caught() = "326|TessarkAO.Localizer"
@@ -44,9 +43,6 @@ If Needs("vectors with by-reference outputs", Array("TessarkAO.TKVector4d")) The
   On Error Resume Next
   x = v.Value(4)
   Check "Value(4) is error 9 from TessarkAO.TKVector4d", Caught() = "9|TessarkAO.TKVector4d"
-  v.SetPosition 1, 2
-  Check "a missing argument is 449", Err.Number = 449
-  Err.Clear
   v.X = "abc"
   Check "a let that does not convert is 13", Err.Number = 13
   Err.Clear
@@ -69,11 +65,6 @@ If Needs("matrices", Array("TessarkAO.TKMatrix4d", "TessarkAO.TKVector4d")) Then
   m.GetTranslation x, y, z
   Check "GetTranslation writes its outputs", x = 5 And y = 6 And z = 7
   Check "the determinant of a rotation is 1", Abs(m.Determinant - 1) < 1e-12
-  On Error Resume Next
-  x = m.Value(4, 0)
-  Check "Value(4, 0) is error 9", Err.Number = 9
-  Err.Clear
-  On Error GoTo 0
 End If
 
 If Needs("column-set sort", Array("TessarkAO.TKColumnSet", "TessarkAO.TKColumn")) Then
