@@ -240,7 +240,9 @@ TEST(SceneFile, MalformedFilesNameThePlace) {
   } rows[] = {
       {"{\"pages\": [\n  {\"name\": \"P\",,}\n]}", "321 scene:2:16: syntax error"},
       {"{\"pages\": [],\n \"version\": 1e999}", "321 scene:2:13: number overflow parsing '1e999'"},
+      {"", "321 scene:1:1: syntax error"},
       {"[1]", "321 scene: /: an object is expected here"},
+      {"{}", "321 scene: /: the key \"pages\" is missing"},
       {R"({"pages": [], "colour": 1})", "321 scene: /colour: unknown key \"colour\""},
       {R"({"pages": [], "version": 2})", "321 scene: /version: this host reads scene files of version 1"},
       {R"({"pages": [{"name": "P"}]})", "321 scene: /pages/0: the key \"root\" is missing"},
