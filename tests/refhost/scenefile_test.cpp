@@ -262,6 +262,8 @@ TEST(SceneFile, MalformedFilesNameThePlace) {
        "321 scene: /pages/0/root/components/1/variables/9: a whole number is expected here"},
       {InRoot(R"({"type": 4, "variables": {"01": 1}})"),
        "321 scene: /pages/0/root/components/1/variables/01: a variable's key is its number, from 1"},
+      {InRoot(R"({"type": 4, "variables": {"1": {"value": 1, "expression": "2 *"}}})"),
+       "321 scene: /pages/0/root/components/1/variables/1/expression: Invalid expression"},
       {InRoot(R"({"type": 4, "variables": {"1": {"expression": "Sizebox\\Length"}}})"),
        "321 scene: /pages/0/root/components/1/variables/1/expression: Invalid expression"},
       {InRoot(R"({"type": 99})"),
