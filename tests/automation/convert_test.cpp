@@ -9,20 +9,13 @@
 #include "automation/AutomationError.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
+#include "TestSupport.hpp"
 
 using namespace TessarkAO;
 
 namespace {
 
-// The error number a call raises, 0 when it returns.
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using Testing::ErrorOf;
 
 struct LocaleGuard {
   NumberLocale saved = GetNumberLocale();

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/Members.hpp"
+#include "TestSupport.hpp"
 
 using namespace TessarkAO;
 
@@ -55,14 +56,7 @@ Variant Call(Object& o, std::string_view name, CallKind kind, std::vector<Varian
   return o.Invoke(name, kind, args);
 }
 
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using Testing::ErrorOf;
 
 }  // namespace
 

@@ -6,18 +6,12 @@
 
 #include "automation/AutomationError.hpp"
 #include "automation/Variant.hpp"
+#include "TestSupport.hpp"
 
 using namespace TessarkAO;
 
 namespace {
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using Testing::ErrorOf;
 }  // namespace
 
 TEST(Variant, KeepsTheTypeItWasGiven) {

@@ -13,6 +13,7 @@
 #include "automation/Convert.hpp"
 #include "frame/Globals.hpp"
 #include "refhost/RefHost.hpp"
+#include "TestSupport.hpp"
 
 using namespace TessarkAO;
 
@@ -74,17 +75,7 @@ std::string Values(const Variant& builder, std::initializer_list<const char*> me
   return out;
 }
 
-// The number of the error `call` raises; 0 when it raises none.
-template <class F>
-int ErrorOf(F&& call) {
-  int number = 0;
-  try {
-    call();
-  } catch (const AutomationError& e) {
-    number = e.Number();
-  }
-  return number;
-}
+using Testing::ErrorOf;
 
 // The calls that add a shape of `kind` to the scene's part, followed by
 // `then`: with `newPart` the part is first made in the assembly; a sheet-metal

@@ -9,18 +9,12 @@
 #include "automation/Convert.hpp"
 #include "frame/ClassCatalogue.hpp"
 #include "frame/StringTable.hpp"
+#include "TestSupport.hpp"
 
 using namespace TessarkAO;
 
 namespace {
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using Testing::ErrorOf;
 }  // namespace
 
 TEST(Catalogue, ThirtyOneClassesWithDistinctIdentifiers) {

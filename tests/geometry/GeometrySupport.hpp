@@ -18,6 +18,7 @@
 #include "geometry/TKMatrix4d.hpp"
 #include "geometry/TKTransform.hpp"
 #include "geometry/TKVector4d.hpp"
+#include "TestSupport.hpp"
 
 namespace TessarkAO::Testing {
 
@@ -26,14 +27,7 @@ inline Variant Call(const Ref<Object>& o, std::string_view name, std::vector<Var
   return o->Invoke(name, kind, args);
 }
 
-inline int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using Testing::ErrorOf;
 
 // An object that is not one of ours: it answers by name, forwarding to a
 // native object, records each call, and lacks the members named in `missing`.

@@ -12,17 +12,10 @@
 #include "automation/Convert.hpp"
 #include "profiles/TKProfile.hpp"
 #include "refhost/RefHost.hpp"
+#include "TestSupport.hpp"
 
 namespace TessarkAO::Testing {
 
-inline int ErrorNumber(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
 
 inline Ref<TKProfile> NewProfile() { return RefCast<TKProfile>(CreateObject("TessarkAO.TKProfile")); }
 

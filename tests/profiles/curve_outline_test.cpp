@@ -64,7 +64,7 @@ TEST(Curve, CountsSizeTheArraysAndIndicesOutsideAreIgnored) {
   // An array too large to make raises 7 and leaves the curve as it was.
   curve.Let("BSplineControlPoints", 2);
   curve.Call("SetControlPoint", 2, -1.0, 4.0);
-  EXPECT_EQ(ErrorNumber([&] { curve.Let("BSplineControlPoints", 2147483647); }), Err::OutOfMemory);
+  EXPECT_EQ(ErrorOf([&] { curve.Let("BSplineControlPoints", 2147483647); }), Err::OutOfMemory);
   EXPECT_EQ(curve.Get("BSplineControlPoints").AsLong(), 2);
   EXPECT_EQ(GetPoint(curve, "GetControlPoint", 2), std::make_pair(-1.0, 4.0));
 }
@@ -79,7 +79,7 @@ TEST(Outline, CurveListAndTheOneSidedIndexTest) {
   // Past the end is Nothing; 0 and below raise 9.
   EXPECT_TRUE(outline.Call("GetCurve", 3).IsNothing());
   for (int i : {0, -5})
-    EXPECT_EQ(ErrorNumber([&] { outline.Call("GetCurve", i); }), Err::SubscriptOutOfRange);
+    EXPECT_EQ(ErrorOf([&] { outline.Call("GetCurve", i); }), Err::SubscriptOutOfRange);
   // Curves handed out are the outline's own.
   first.Let("X", 10.0);
   EXPECT_EQ(ToDouble(outline.Call("GetCurve", 1).Get("X")), 10.0);

@@ -94,7 +94,7 @@ TEST(HostPaths, AnExpressionDrivenMinorValueIsReadInSystemUnits) {
   // Without a page the conversion fails; the error reaches the caller and
   // what was read before it stays.
   profile->SetPage(Ref<Object>());
-  EXPECT_NE(ErrorNumber([&] { profile->GetProfileFromPaths(ToObject(scene.paths)); }), 0);
+  EXPECT_NE(ErrorOf([&] { profile->GetProfileFromPaths(ToObject(scene.paths)); }), 0);
   ASSERT_EQ(profile->NumberOfOutlines(), 1);
   EXPECT_EQ(profile->GetOutline(1)->NumberOfCurves(), 2);
   EXPECT_EQ(profile->GetOutline(1)->GetCurve(2)->GetCenterX(), 1);
@@ -130,7 +130,7 @@ TEST(HostPaths, DrawInvoluteReversesTheFitPointsButKeepsTheEndPoint) {
   // Points changed since sampling: the missing row raises 9 before any host call.
   involute->LetPoints(6);
   EXPECT_TRUE(Journaled([&] {
-                EXPECT_EQ(ErrorNumber([&] { involute->DrawInvolute(ToObject(path), true); }),
+                EXPECT_EQ(ErrorOf([&] { involute->DrawInvolute(ToObject(path), true); }),
                           Err::SubscriptOutOfRange);
               }).empty());
 }

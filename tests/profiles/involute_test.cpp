@@ -90,35 +90,35 @@ TEST(Involute, PolarAngleKeepsTheLiteralTurnAndHasNoQuadrantCorrection) {
 
 TEST(Involute, ArithmeticErrorsAndTheZeroSubstitution) {
   auto c = NewInvolute(10.0);
-  EXPECT_EQ(ErrorNumber([&] { c->GetAngleFromInvoluteHeight(-15); }), Err::InvalidCall);  // negative base
+  EXPECT_EQ(ErrorOf([&] { c->GetAngleFromInvoluteHeight(-15); }), Err::InvalidCall);  // negative base
   EXPECT_NO_THROW(c->GetAngleFromInvoluteHeight(-25));  // h / R + 1 = -1.5 squares above 1
   c->LetCircleRadius(0);
-  EXPECT_EQ(ErrorNumber([&] { c->GetAngleFromInvoluteHeight(1); }), Err::DivisionByZero);
-  EXPECT_EQ(ErrorNumber([&] { c->GetAngleFromInvoluteHeight(0); }), Err::Overflow);  // 0 / 0
+  EXPECT_EQ(ErrorOf([&] { c->GetAngleFromInvoluteHeight(1); }), Err::DivisionByZero);
+  EXPECT_EQ(ErrorOf([&] { c->GetAngleFromInvoluteHeight(0); }), Err::Overflow);  // 0 / 0
 
   double x = 0.0, y = 2.0;
   EXPECT_EQ(InvoluteMath::ArcTanOfRatio(x, y), std::atan(2.0 / 1e-16));
   EXPECT_EQ(x, 1e-16);  // the caller's X is overwritten
   x = 0.0, y = 1e300;
-  EXPECT_EQ(ErrorNumber([&] { InvoluteMath::ArcTanOfRatio(x, y); }), Err::Overflow);
+  EXPECT_EQ(ErrorOf([&] { InvoluteMath::ArcTanOfRatio(x, y); }), Err::Overflow);
 }
 
 TEST(Involute, TableAccessNeedsASampledRow) {
   auto c = NewInvolute();
   const Variant curve{Ref<Object>(c)};
-  EXPECT_EQ(ErrorNumber([&] { Sample(*c, 1); }), Err::SubscriptOutOfRange);  // nothing sampled yet
+  EXPECT_EQ(ErrorOf([&] { Sample(*c, 1); }), Err::SubscriptOutOfRange);  // nothing sampled yet
   c->LetPoints(0);
-  EXPECT_EQ(ErrorNumber([&] { c->CalculatePointsThroughAngle(1); }), Err::SubscriptOutOfRange);
+  EXPECT_EQ(ErrorOf([&] { c->CalculatePointsThroughAngle(1); }), Err::SubscriptOutOfRange);
   c->LetPoints(1);
-  EXPECT_EQ(ErrorNumber([&] { c->CalculatePointsThroughAngle(1); }), Err::DivisionByZero);
-  EXPECT_EQ(ErrorNumber([&] { c->CalculatePointsThroughAngle(0); }), Err::Overflow);  // 0 / 0
+  EXPECT_EQ(ErrorOf([&] { c->CalculatePointsThroughAngle(1); }), Err::DivisionByZero);
+  EXPECT_EQ(ErrorOf([&] { c->CalculatePointsThroughAngle(0); }), Err::Overflow);  // 0 / 0
   c->LetPoints(3);
   c->CalculatePointsThroughAngle(1);
-  EXPECT_EQ(ErrorNumber([&] { Sample(*c, 4); }), Err::SubscriptOutOfRange);  // a row after the last
+  EXPECT_EQ(ErrorOf([&] { Sample(*c, 4); }), Err::SubscriptOutOfRange);  // a row after the last
   // Errors leave the caller's outputs alone.
   Variant x(7.0), y(8.0);
   std::vector<Variant> args = {Variant(0), Variant::ByRef(x), Variant::ByRef(y)};
-  EXPECT_EQ(ErrorNumber([&] { curve.Invoke("GetCalculatedPointFromIndex", CallKind::Method, args); }),
+  EXPECT_EQ(ErrorOf([&] { curve.Invoke("GetCalculatedPointFromIndex", CallKind::Method, args); }),
             Err::SubscriptOutOfRange);
   EXPECT_EQ(x.AsDouble(), 7.0);
   args[0] = Variant(3);

@@ -13,7 +13,7 @@ TEST(Profile, OutlineListEmptinessAndClosedness) {
   auto profile = NewProfile();
   EXPECT_TRUE(profile->IsProfileEmpty() && profile->IsProfileCompletelyClosed());
   EXPECT_TRUE(profile->GetOutline(1) == nullptr);
-  EXPECT_EQ(ErrorNumber([&] { profile->GetOutline(0); }), Err::SubscriptOutOfRange);
+  EXPECT_EQ(ErrorOf([&] { profile->GetOutline(0); }), Err::SubscriptOutOfRange);
   profile->AddOutline()->LetConstruction(1);  // open, but construction outlines do not count
   EXPECT_TRUE(profile->IsProfileEmpty() && profile->IsProfileCompletelyClosed());
   Ref<TKOutline> closed = profile->AddOutline();
@@ -50,7 +50,7 @@ TEST(Profile, ShiftMovesPointsAndCentresOnly) {
   EXPECT_EQ(std::make_pair(x, y), std::make_pair(1 + dx, 1 + dy));
   EXPECT_EQ(spline->GetKnot(4), 0.5);
   profile->ShiftProfileData(0, 1.7e308);
-  EXPECT_EQ(ErrorNumber([&] { profile->ShiftProfileData(0, 1.7e308); }), Err::Overflow);
+  EXPECT_EQ(ErrorOf([&] { profile->ShiftProfileData(0, 1.7e308); }), Err::Overflow);
 }
 
 TEST(Profile, MirrorNegatesOneAxisAndAlwaysTheHFactor) {
@@ -99,8 +99,8 @@ TEST(Profile, CopyAppendsOutlinesAndPutsEccentricityIntoEndTrim) {
 
   source->CopyProfile(source);  // the count is taken once: the profile doubles
   EXPECT_EQ(source->NumberOfOutlines(), 4);
-  EXPECT_EQ(ErrorNumber([&] { target->CopyProfile(Ref<TKProfile>()); }), Err::ObjectNotSet);
-  EXPECT_EQ(ErrorNumber([&] {
+  EXPECT_EQ(ErrorOf([&] { target->CopyProfile(Ref<TKProfile>()); }), Err::ObjectNotSet);
+  EXPECT_EQ(ErrorOf([&] {
               Variant(Ref<Object>(target)).Call("CopyProfile", CreateObject("TessarkAO.TKOutline"));
             }),
             Err::TypeMismatch);

@@ -48,5 +48,5 @@ TEST(ProjectedThreads, EveryQueryIsFalseAndEveryOutputUntouched) {
   EXPECT_EQ(threads.Get("ProjectionFlags").AsLong(), 0);
   EXPECT_EQ(threads.Get("HoleInformationFlags").AsLong(), 0);
 
-  EXPECT_EQ(ErrorNumber([&] { threads.Call("GetDiameters", 1.0); }), Err::ArgumentNotOptional);
+  EXPECT_EQ(ErrorOf([&] { threads.Call("GetDiameters", 1.0); }), Err::ArgumentNotOptional);
 }

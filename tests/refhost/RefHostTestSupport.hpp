@@ -14,17 +14,11 @@
 #include "automation/Convert.hpp"
 #include "automation/Variant.hpp"
 #include "refhost/RefHost.hpp"
+#include "TestSupport.hpp"
 
 namespace TessarkAO::RefHostTest {
 
-inline int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using Testing::ErrorOf;
 
 inline std::string MessageOf(const std::function<void()>& f) {
   try {

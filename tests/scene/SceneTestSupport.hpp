@@ -13,17 +13,11 @@
 #include "automation/Convert.hpp"
 #include "automation/Variant.hpp"
 #include "refhost/RefHost.hpp"
+#include "TestSupport.hpp"
 
 namespace TessarkAO::SceneTest {
 
-inline int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using Testing::ErrorOf;
 
 inline Variant Root(const Variant& app) { return app.Get("ActivePage").Get("Shape"); }
 inline Variant Page(const Variant& app) { return app.Get("ActivePage"); }

@@ -15,6 +15,7 @@
 #include "automation/Variant.hpp"
 #include "platform/PlatformTestSupport.hpp"
 #include "platform/Registry.hpp"
+#include "TestSupport.hpp"
 
 namespace TessarkAO::Testing {
 
@@ -71,14 +72,5 @@ inline Variant Prop(const Ref<Object>& o, std::string_view name, std::vector<Var
   return Invoke(o, name, CallKind::Get, std::move(args)).result;
 }
 
-// The classic error number a call raises; 0 when it raises none.
-inline int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
 
 }  // namespace TessarkAO::Testing

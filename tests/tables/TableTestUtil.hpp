@@ -15,17 +15,11 @@
 #include "tables/TK2DArray.hpp"
 #include "tables/TKColumn.hpp"
 #include "tables/TKColumnSet.hpp"
+#include "TestSupport.hpp"
 
 namespace TessarkAO::TestUtil {
 
-inline int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using Testing::ErrorOf;
 
 inline Variant Invoke(const Ref<Object>& o, std::string_view name, CallKind kind, std::vector<Variant> args = {}) {
   return o->Invoke(name, kind, args);

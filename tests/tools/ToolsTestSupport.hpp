@@ -10,6 +10,7 @@
 
 #include "automation/AutomationError.hpp"
 #include "platform/UserInterface.hpp"
+#include "TestSupport.hpp"
 
 namespace ToolsTest {
 
@@ -28,16 +29,7 @@ inline std::string WriteFile(const std::string& name, const std::string& content
   return p.string();
 }
 
-// The number of the automation error `f` raises (0 for none), and its text.
-inline int ErrorOf(const std::function<void()>& f, std::string* description = nullptr) {
-  try {
-    f();
-  } catch (const TessarkAO::AutomationError& e) {
-    if (description) *description = e.Description();
-    return e.Number();
-  }
-  return 0;
-}
+using TessarkAO::Testing::ErrorOf;
 
 inline TessarkAO::HeadlessUserInterface& Ui() {
   TessarkAO::HeadlessUserInterface* ui = TessarkAO::GetHeadlessUserInterface();
