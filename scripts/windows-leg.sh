@@ -94,7 +94,7 @@ wait "$boot" || true
 # for the whole leg; it ends with the script (or with wineserver -k).
 mkfifo "$WINEPREFIX/../keep-alive"
 wine cmd <"$WINEPREFIX/../keep-alive" >/dev/null 2>&1 &
-exec 9>"$WINEPREFIX/../keep-alive"
+exec 9<>"$WINEPREFIX/../keep-alive"  # read-write: never waits for the reader
 bin=$root/$build/bin
 served=$root/$build/src/com/ServedClasses.txt
 x86_64-w64-mingw32-objdump -p "$bin/tktools.dll" | grep -q 'DLL Name: libstdc++\|DLL Name: libgcc\|DLL Name: libwinpthread' &&
