@@ -27,6 +27,17 @@ def raises_number():
     return error_number
 
 
+@pytest.fixture
+def quiet_ui():
+    """The headless user interface without echo and with no records, before
+    and after the test."""
+    tk.ui.set_echo(False)
+    tk.ui.clear()
+    yield tk.ui
+    tk.ui.clear()
+    tk.ui.set_echo(True)
+
+
 @pytest.hookimpl(hookwrapper=True)
 def pytest_runtest_protocol(item, nextitem):
     """Every test must release the library objects it made (checked once

@@ -41,12 +41,7 @@ class Bom:
         return self._font(r, c)[2]
 
 
-@pytest.fixture(autouse=True)
-def quiet_ui():
-    tk.ui.set_echo(False)
-    tk.ui.clear()
-    yield
-    tk.ui.clear()
+pytestmark = pytest.mark.usefixtures("quiet_ui")
 
 
 def test_values_fonts_and_widths(tmp_path):

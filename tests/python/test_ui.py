@@ -4,13 +4,7 @@ import pytest
 import tessarkao as tk
 
 
-@pytest.fixture(autouse=True)
-def quiet_ui():
-    tk.ui.set_echo(False)
-    tk.ui.clear()
-    yield
-    tk.ui.clear()
-    tk.ui.set_echo(True)
+pytestmark = pytest.mark.usefixtures("quiet_ui")
 
 
 def test_message_boxes_are_recorded_with_their_icons(sample):
