@@ -40,8 +40,10 @@ std::vector<Point2> ReadPoints(const Variant& v, const char* what) {
     Raise(Err::InvalidCall, std::string(what) + " must be a table of rows with X and Y");
   std::vector<Point2> out;
   const std::int32_t c = a.LBound(2);
-  for (std::int32_t r = a.LBound(1); r <= a.UBound(1); ++r)
+  for (std::int64_t row = a.LBound(1); row <= a.UBound(1); ++row) {
+    const auto r = static_cast<std::int32_t>(row);
     out.push_back({FiniteArg(ToDouble(a.Get(r, c))), FiniteArg(ToDouble(a.Get(r, c + 1)))});
+  }
   return out;
 }
 
@@ -49,7 +51,8 @@ std::vector<double> ReadNumbers(const Variant& v, const char* what) {
   const SafeArray& a = ArrayArg(v, what);
   if (a.Dims() != 1) Raise(Err::InvalidCall, std::string(what) + " must be a list of numbers");
   std::vector<double> out;
-  for (std::int32_t i = a.LBound(1); i <= a.UBound(1); ++i) out.push_back(FiniteArg(ToDouble(a.Get(i))));
+  for (std::int64_t i = a.LBound(1); i <= a.UBound(1); ++i)
+    out.push_back(FiniteArg(ToDouble(a.Get(static_cast<std::int32_t>(i)))));
   return out;
 }
 
@@ -430,9 +433,11 @@ void InterpolateBSpline(BSplineData& s) {
   std::vector<double> band(n * w, 0.0);
   auto at = [&](std::size_t r, std::size_t c) -> double& { return band[r * w + (c + p - r)]; };
   std::vector<double> basis(static_cast<std::size_t>(p) + 1), left(basis.size()), right(basis.size());
+  // The knot span of u[k]: the last i in [p, n - 1] with knots[i] <= u[k].
+  // The parameters increase with k, so the search goes on from the span of
+  // the previous point and the whole pass is linear in n.
+  std::size_t span = static_cast<std::size_t>(p);
   for (std::size_t k = 0; k < n; ++k) {
-    // The knot span of u[k]: the last i in [p, n - 1] with knots[i] <= u[k].
-    std::size_t span = static_cast<std::size_t>(p);
     while (span + 1 < n && knots[span + 1] <= u[k]) ++span;
     basis[0] = 1.0;
     for (int j = 1; j <= p; ++j) {

@@ -7,6 +7,7 @@
 //   6. UTF-8 / UTF-16 helpers, case mapping, code-unit comparison
 #include "automation/Convert.hpp"
 
+#include <algorithm>
 #include <atomic>
 #include <cfloat>
 #include <charconv>
@@ -99,16 +100,49 @@ bool ParseRadix(std::string_view digits, int base, double& out) noexcept {
   return true;
 }
 
+// The power of ten of the first non-zero digit of a normalized number text
+// ([-]digits[.digits][e[+-]digits]), saturated far beyond the Double range.
+std::int64_t DecimalPower(std::string_view s) noexcept {
+  constexpr std::int64_t kFar = std::int64_t{1} << 40;
+  std::size_t i = s.empty() || s[0] != '-' ? 0 : 1;
+  std::int64_t power = 0;
+  bool seen = false;
+  for (; i < s.size() && s[i] >= '0' && s[i] <= '9'; ++i) {
+    if (seen)
+      ++power;
+    else if (s[i] != '0')
+      seen = true;
+  }
+  if (i < s.size() && s[i] == '.') {
+    for (++i; i < s.size() && s[i] >= '0' && s[i] <= '9'; ++i) {
+      if (seen) continue;
+      --power;
+      if (s[i] != '0') seen = true;
+    }
+  }
+  if (i < s.size() && s[i] == 'e') {
+    ++i;
+    const bool minus = i < s.size() && s[i] == '-';
+    if (i < s.size() && (s[i] == '-' || s[i] == '+')) ++i;
+    std::int64_t exp = 0;
+    for (; i < s.size() && s[i] >= '0' && s[i] <= '9'; ++i) exp = std::min(kFar, exp * 10 + (s[i] - '0'));
+    power += minus ? -exp : exp;
+  }
+  return power;
+}
+
 bool FromChars(const std::string& s, double& out) noexcept {
   const char* b = s.data();
   const char* e = b + s.size();
   auto [p, ec] = std::from_chars(b, e, out);
   if (p != e) return false;
   if (ec == std::errc::result_out_of_range) {
-    // Underflow reads as 0; overflow is reported by the caller as 6.
-    out = std::numeric_limits<double>::infinity();
-    for (const char* q = b; q < e; ++q)
-      if (*q == 'e' && q + 1 < e && q[1] == '-') out = 0.0;
+    // One rule whatever the spelling: a value below the smallest Double reads
+    // as 0, one beyond the largest is reported by the caller as 6.  Which of
+    // the two it is follows from the power of ten of the first significant
+    // digit, so 0.000…01 and 1E-400 agree, and so do 1000…0E-10 and 1E400.
+    const bool negative = *b == '-';
+    out = DecimalPower(s) < 0 ? (negative ? -0.0 : 0.0) : std::numeric_limits<double>::infinity();
     return true;
   }
   return ec == std::errc();
@@ -313,16 +347,21 @@ std::string DigitsOf(u128 m) {
 
 // Builds a decimal from a digit string and a power of ten, rounding half to
 // even when more digits are given than the 96 bits and scale 28 can hold.
-bool DecimalFromDigits(std::string digits, int exp10, bool negative, Decimal& out) {
+bool DecimalFromDigits(std::string digits, std::int64_t exp10, bool negative, Decimal& out) {
   std::size_t nz = 0;
   while (nz + 1 < digits.size() && digits[nz] == '0') ++nz;
   digits.erase(0, nz);
+  // Powers far outside the Decimal range give zero or an overflow at once
+  // instead of a string of a billion zeros.
+  if (exp10 > 0 && digits == "0") exp10 = 0;
+  if (exp10 > 29) return false;
+  exp10 = std::max<std::int64_t>(exp10, -static_cast<std::int64_t>(digits.size()) - 30);
   // value = digits * 10^exp10; scale = -exp10 when negative.
   while (exp10 > 0) {
     digits.push_back('0');
     --exp10;
   }
-  int scale = -exp10;
+  int scale = static_cast<int>(-exp10);
   // Drop digits beyond scale 28 or beyond 29 significant digits, rounding.
   auto tooBig = [&](const std::string& ds) {
     if (ds.size() > 29) return true;
@@ -405,7 +444,7 @@ int ParseDecimal(std::string_view text, NumberLocale locale, Decimal& out) {
   std::string_view t = TrimBlanks(text);
   bool negative = false;
   std::string digits;
-  int exp10 = 0;
+  std::int64_t exp10 = 0;
   bool afterPoint = false;
   std::size_t i = 0;
   if (!t.empty() && t[0] == '(') {
@@ -422,7 +461,14 @@ int ParseDecimal(std::string_view text, NumberLocale locale, Decimal& out) {
     } else if (c == locale.decimal) {
       afterPoint = true;
     } else if (c == 'e' || c == 'E' || c == 'd' || c == 'D') {
-      exp10 += std::atoi(std::string(t.substr(i + 1)).c_str());
+      // ParseNumber accepted the text, so an optional sign and digits follow.
+      std::size_t j = i + 1;
+      const bool minus = j < t.size() && t[j] == '-';
+      if (j < t.size() && (t[j] == '-' || t[j] == '+')) ++j;
+      std::int64_t e = 0;
+      for (; j < t.size() && t[j] >= '0' && t[j] <= '9'; ++j)
+        e = std::min<std::int64_t>(e * 10 + (t[j] - '0'), 1000000000);
+      exp10 += minus ? -e : e;
       break;
     } else if (c == '&') {
       out = DecimalFromDouble(check);
@@ -877,9 +923,9 @@ std::string ToUtf8(std::u16string_view utf16) {
         utf16[i + 1] < 0xE000) {
       c = 0x10000 + ((c - 0xD800) << 10) + (utf16[i + 1] - 0xDC00);
       ++i;
-    } else if (c >= 0xD800 && c < 0xE000) {
-      c = 0xFFFD;
     }
+    // A lone surrogate keeps its three-byte form, so that any sequence of
+    // code units comes back unchanged from ToUtf16.
     Encode(c, out);
   }
   return out;

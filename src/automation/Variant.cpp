@@ -1,6 +1,7 @@
 #include "automation/Variant.hpp"
 
 #include <algorithm>
+#include <limits>
 
 #include "automation/AutomationError.hpp"
 #include "automation/Convert.hpp"
@@ -129,13 +130,25 @@ bool SameValue(const Variant& a, const Variant& b) {
 namespace {
 constexpr int kMaxDims = 60;
 
+// The most elements an array holds (the tables' limit too); a larger array
+// is "Out of memory" before anything is allocated.
+constexpr std::uint64_t kMaxElements = std::uint64_t{1} << 28;
+
+// The number of elements of an array with these bounds.  A negative count is
+// 9; an upper bound outside the Long range is 6; too many elements is 7.
 std::size_t CountOf(const std::vector<ArrayBound>& bounds) {
-  std::size_t n = 1;
   for (const auto& b : bounds) {
     if (b.count < 0) Raise(Err::SubscriptOutOfRange);
-    n *= static_cast<std::size_t>(b.count);
+    const std::int64_t upper = static_cast<std::int64_t>(b.lower) + b.count - 1;
+    if (upper < std::numeric_limits<std::int32_t>::min() || upper > std::numeric_limits<std::int32_t>::max())
+      Raise(Err::Overflow);
   }
-  return n;
+  std::uint64_t n = 1;
+  for (const auto& b : bounds) {
+    n *= static_cast<std::uint64_t>(b.count);
+    if (n > kMaxElements) Raise(Err::OutOfMemory);
+  }
+  return static_cast<std::size_t>(n);
 }
 }  // namespace
 
@@ -163,14 +176,23 @@ SafeArray::SafeArray(VarType element, std::vector<ArrayBound> bounds)
   data_.assign(CountOf(bounds_), DefaultElement(element_));
 }
 
+namespace {
+// The bound lower..upper (upper < lower: no elements); 6 when the number of
+// elements does not fit a Long.
+ArrayBound FromTo(std::int32_t lower, std::int32_t upper) {
+  const std::int64_t count = std::max<std::int64_t>(0, static_cast<std::int64_t>(upper) - lower + 1);
+  if (count > std::numeric_limits<std::int32_t>::max()) Raise(Err::Overflow);
+  return ArrayBound{lower, static_cast<std::int32_t>(count)};
+}
+}  // namespace
+
 SafeArray SafeArray::Vector(VarType element, std::int32_t lower, std::int32_t upper) {
-  return SafeArray(element, {ArrayBound{lower, std::max(0, upper - lower + 1)}});
+  return SafeArray(element, {FromTo(lower, upper)});
 }
 
 SafeArray SafeArray::Matrix(VarType element, std::int32_t lower1, std::int32_t upper1,
                             std::int32_t lower2, std::int32_t upper2) {
-  return SafeArray(element, {ArrayBound{lower1, std::max(0, upper1 - lower1 + 1)},
-                             ArrayBound{lower2, std::max(0, upper2 - lower2 + 1)}});
+  return SafeArray(element, {FromTo(lower1, upper1), FromTo(lower2, upper2)});
 }
 
 std::int32_t SafeArray::LBound(int dim) const {

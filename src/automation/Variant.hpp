@@ -196,10 +196,15 @@ class Variant {
   Storage s_;
 };
 
+// Bounds are Longs: every SafeArray keeps its upper bounds within the Long
+// range (one that does not fit is refused with 6).  lower + count alone may
+// pass it, so the upper bound is computed wide.
 struct ArrayBound {
   std::int32_t lower = 0;
   std::int32_t count = 0;  // number of elements; upper bound = lower + count - 1
-  std::int32_t upper() const noexcept { return lower + count - 1; }
+  std::int32_t upper() const noexcept {
+    return static_cast<std::int32_t>(static_cast<std::int64_t>(lower) + count - 1);
+  }
 };
 
 // An n-dimensional array with its own lower bounds, stored with the first

@@ -102,11 +102,13 @@ Variant FromSafeArray(const SAFEARRAY* psa, VARTYPE vt) {
   SAFEARRAY* a = const_cast<SAFEARRAY*>(psa);
   const UINT dims = SafeArrayGetDim(a);
   std::vector<ArrayBound> bounds;
+  // The bounds as stored (last dimension first): lower bound and count, so
+  // that an upper bound beyond the Long range is refused (6) rather than
+  // wrapped round by the arithmetic of SafeArrayGetUBound.
   for (UINT d = 1; d <= dims; ++d) {
-    LONG lo = 0, hi = -1;
-    SafeArrayGetLBound(a, d, &lo);
-    SafeArrayGetUBound(a, d, &hi);
-    bounds.push_back({static_cast<std::int32_t>(lo), static_cast<std::int32_t>(hi - lo + 1)});
+    const SAFEARRAYBOUND& b = a->rgsabound[dims - d];
+    if (b.cElements > static_cast<ULONG>(std::numeric_limits<std::int32_t>::max())) Raise(Err::OutOfMemory);
+    bounds.push_back({static_cast<std::int32_t>(b.lLbound), static_cast<std::int32_t>(b.cElements)});
   }
   SafeArray out(static_cast<VarType>(vt), bounds);
   if (out.Size() == 0) return Variant(std::move(out));
@@ -192,18 +194,19 @@ SAFEARRAY* ToSafeArray(const SafeArray& a, VARTYPE vt) {
 
 }  // namespace
 
+// Strings cross as any sequence of UTF-16 code units: lone surrogates keep
+// their generalized UTF-8 form inside the library (Convert.hpp).
 BSTR ToBstr(std::string_view text) {
-  if (text.empty()) return SysAllocStringLen(L"", 0);
-  const int n = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  BSTR b = SysAllocStringLen(nullptr, static_cast<UINT>(n));
+  const std::u16string units = ToUtf16(text);
+  if (units.size() > 0x7FFFFFF0u) Raise(Err::OutOfMemory);
+  BSTR b = SysAllocStringLen(reinterpret_cast<const OLECHAR*>(units.data()), static_cast<UINT>(units.size()));
   if (!b) Raise(Err::OutOfMemory);
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), b, n);
   return b;
 }
 
 std::string FromBstr(BSTR text) {
   if (!text) return {};
-  return Win32::Narrow(text, SysStringLen(text));
+  return ToUtf8(std::u16string_view(reinterpret_cast<const char16_t*>(text), SysStringLen(text)));
 }
 
 Variant FromVariant(const VARIANT& v) {

@@ -1,8 +1,11 @@
 #include "geometry/MatrixMath.hpp"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 #include <vector>
 
+#include "automation/AutomationError.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
 
@@ -49,17 +52,18 @@ void SetArrayEqual(Variant& dest, const Variant& src) noexcept {
   // The same array may be both source and destination: copy the source first.
   const SafeArray from = *s;
   if (dims == 1) {
-    for (std::int32_t i = 0; i <= from.UBound(1); ++i) {
+    for (std::int64_t i = 0; i <= from.UBound(1); ++i) {
       try {
-        d->Put(i, from.Get(i));
+        d->Put(static_cast<std::int32_t>(i), from.Get(static_cast<std::int32_t>(i)));
       } catch (...) {
       }
     }
   } else {
-    for (std::int32_t i = 0; i <= from.UBound(1); ++i)
-      for (std::int32_t j = 0; j <= from.UBound(2); ++j) {
+    for (std::int64_t i = 0; i <= from.UBound(1); ++i)
+      for (std::int64_t j = 0; j <= from.UBound(2); ++j) {
+        const auto r = static_cast<std::int32_t>(i), c = static_cast<std::int32_t>(j);
         try {
-          d->Put(i, j, from.Get(i, j));
+          d->Put(r, c, from.Get(r, c));
         } catch (...) {
         }
       }
@@ -81,9 +85,13 @@ void MultiplyArrays(const Variant& a, const Variant& b, Variant& c) noexcept {
   const std::int32_t ubI = dimsA == 2 ? A.UBound(1) : 0;
 
   std::vector<ArrayBound> bounds;
-  if (dimsA == 2) bounds.push_back(ArrayBound{0, std::max(0, ubI + 1)});
-  bounds.push_back(ArrayBound{0, std::max(0, ubJ + 1)});
   try {
+    // 0 .. ub holds ub + 1 elements, which for ub = 2147483647 is no Long (6).
+    for (const std::int32_t ub :
+         dimsA == 2 ? std::vector<std::int32_t>{ubI, ubJ} : std::vector<std::int32_t>{ubJ}) {
+      if (ub == std::numeric_limits<std::int32_t>::max()) Raise(Err::Overflow);
+      bounds.push_back(ArrayBound{0, std::max(0, ub + 1)});
+    }
     Variant& target = c.Deref();
     if (target.IsArray()) {
       target.AsArray().Redim(bounds, false);
@@ -91,15 +99,19 @@ void MultiplyArrays(const Variant& a, const Variant& b, Variant& c) noexcept {
       target = Variant(SafeArray(VarType::Double, bounds));
     }
   } catch (...) {
-    return;  // a fixed array: C stays as it was
+    return;  // a fixed array, or one too large to hold: C stays as it was
   }
   SafeArray& C = c.Deref().AsArray();
 
+  // Indices below a lower bound read nothing, so the sum starts at the
+  // higher of the two lower bounds of the shared dimension.
+  const std::int64_t firstK = std::max<std::int64_t>({0, A.LBound(dimsA), B.LBound(1)});
   for (std::int32_t i = 0; i <= ubI; ++i) {
     for (std::int32_t j = 0; j <= ubJ; ++j) {
       double sum = 0.0;
       bool first = true;
-      for (std::int32_t k = 0; k <= ubK; ++k) {
+      for (std::int64_t kk = firstK; kk <= ubK; ++kk) {
+        const auto k = static_cast<std::int32_t>(kk);
         double x = 0.0, y = 0.0;
         const std::array<std::int32_t, 2> ia = {i, k};
         const bool okA = dimsA == 2 ? ReadElement(A, ia, x) : ReadElement(A, std::span(&k, 1), x);

@@ -104,6 +104,44 @@ TEST(Convert, TextToNumberFollowsTheLocale) {
   EXPECT_EQ(ToString(Variant(2.25)), "2.25");
 }
 
+// Beyond the Double range the spelling does not matter: a value below the
+// smallest Double reads as 0, one above the largest is 6.
+TEST(Convert, NumberTextAtTheEdgesOfTheDoubleRange) {
+  const std::string zeros400(400, '0');
+  struct Row {
+    std::string text;
+    double out;
+    int error;
+  };
+  const Row rows[] = {
+      {"1E-400", 0.0, 0},
+      {"0." + zeros400 + "1", 0.0, 0},
+      {"-0." + zeros400 + "1", 0.0, 0},
+      {"0." + zeros400 + "1E+400", 0.1, 0},
+      {"1E-320", 1e-320, 0},  // subnormals are kept
+      {"1E400", 0, 6},
+      {"1" + zeros400, 0, 6},
+      {"1" + zeros400 + "E-10", 0, 6},
+      {"1" + zeros400 + "E-400", 1.0, 0},
+      {"-1" + zeros400 + "E-90", 0, 6},
+      {"1E99999999999999999999", 0, 6},
+      {"1E-99999999999999999999", 0.0, 0},
+      {"0E99999999999999999999", 0.0, 0},
+  };
+  for (const Row& r : rows) {
+    double got = -1.0;
+    EXPECT_EQ(ErrorOf([&] { got = ToDouble(Variant(r.text)); }), r.error) << r.text.substr(0, 24);
+    if (r.error == 0) {
+      EXPECT_EQ(got, r.out) << r.text.substr(0, 24);
+    }
+  }
+  // Decimal text takes the same rule, and far powers give 0 or 6 at once.
+  EXPECT_EQ(ToString(Variant(ToDecimal(Variant("0E2000000000")))), "0");
+  EXPECT_EQ(ToString(Variant(ToDecimal(Variant("1E-2000000000")))), "0");
+  EXPECT_EQ(ErrorOf([] { ToDecimal(Variant("1E29")); }), 6);
+  EXPECT_EQ(ErrorOf([] { ToDecimal(Variant("1" + std::string(400, '0') + "E-10")); }), 6);
+}
+
 TEST(Convert, DoubleToTextHasFifteenSignificantDigits) {
   const std::pair<double, const char*> rows[] = {
       {0.1 + 0.2, "0.3"},
@@ -199,6 +237,11 @@ TEST(Text, CodeUnitOrderAndCaseMapping) {
   EXPECT_EQ(UpperCase("\xD0\xB0z"), "\xD0\x90Z");
   EXPECT_EQ(Utf16Length("a\xF0\x9F\x98\x80"), 3u);
   EXPECT_EQ(ToUtf8(ToUtf16("h\xC3\xA9llo \xF0\x9F\x98\x80")), "h\xC3\xA9llo \xF0\x9F\x98\x80");
+  // Lone surrogates keep their generalized three-byte form both ways.
+  const std::u16string lone = {0xD800, u'x', 0xDFFF};
+  EXPECT_EQ(ToUtf8(lone), "\xED\xA0\x80x\xED\xBF\xBF");
+  EXPECT_EQ(ToUtf16(ToUtf8(lone)), lone);
+  EXPECT_EQ(Utf16Length(ToUtf8(lone)), 3u);
   EXPECT_EQ(TrimBlanks("  x  "), "x");
   EXPECT_EQ(TrimBlanks("\tx "), "\tx");
 }

@@ -1,12 +1,14 @@
 // Variants and arrays: types kept as given, by-reference variants, bounds,
 // ReDim with and without Preserve.
+#include "automation/Variant.hpp"
+
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 
-#include "automation/AutomationError.hpp"
-#include "automation/Variant.hpp"
 #include "TestSupport.hpp"
+#include "automation/AutomationError.hpp"
 
 using namespace TessarkAO;
 
@@ -55,6 +57,32 @@ TEST(SafeArray, BoundsAndElementAccess) {
   // The first index varies fastest.
   EXPECT_EQ(m.Offset(std::vector<std::int32_t>{2, 0}), 1u);
   EXPECT_EQ(m.Offset(std::vector<std::int32_t>{1, 1}), 3u);
+}
+
+// Bounds are Longs: an upper bound outside the Long range is 6, an array of
+// more elements than the runtime can address is 7, both before allocating.
+TEST(SafeArray, BoundsStayWithinTheLongRange) {
+  constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+  constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+  struct Row {
+    std::vector<ArrayBound> bounds;
+    int error;
+  };
+  const Row rows[] = {
+      {{{kMax, 1}}, 0},     {{{kMax, 2}}, 6},         {{{kMin, 0}}, 6},          {{{kMin, 1}}, 0},
+      {{{kMin + 1, 0}}, 0}, {{{0, kMax}, {0, 2}}, 7}, {{{0, (1 << 28) + 1}}, 7}, {{{1, 2}, {kMax - 1, 3}}, 6},
+      {{{0, -1}}, 9},
+  };
+  for (const Row& r : rows) {
+    EXPECT_EQ(ErrorOf([&] { SafeArray a(VarType::Double, r.bounds); }), r.error);
+    SafeArray b;
+    EXPECT_EQ(ErrorOf([&] { b.Redim(r.bounds, false); }), r.error);
+  }
+  const SafeArray top = SafeArray::Vector(VarType::Long, kMax, kMax);
+  EXPECT_EQ(top.UBound(1), kMax);
+  EXPECT_EQ(SafeArray::Vector(VarType::Long, kMin, kMin).UBound(1), kMin);
+  EXPECT_EQ(ErrorOf([] { SafeArray::Vector(VarType::Long, kMin, kMax); }), 6);
+  EXPECT_EQ(ErrorOf([] { SafeArray::Matrix(VarType::Long, 0, 1, kMin, kMax); }), 6);
 }
 
 TEST(SafeArray, RedimPreserveChangesOnlyTheLastDimension) {
