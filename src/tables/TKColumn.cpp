@@ -341,8 +341,19 @@ std::int64_t TKColumn::RunLength(std::int32_t index, std::int64_t cap) const { r
 
 const std::vector<std::int32_t>& TKColumn::SpanStarts() const {
   if (!spansBuilt_) {
+    // A column of type None keeps a count without a store, so SetAtGrow can
+    // make it absurdly long: the table of span starts could then not be
+    // held, which is 7 before anything is allocated.  A table that runs out
+    // of memory half-way is released, not kept.
+    Tables::CheckElementCount(count_);
     spanStarts_.clear();
-    for (std::int32_t p = 1; p <= count_; p += GetSpanLength(p, true)) spanStarts_.push_back(p);
+    try {
+      for (std::int64_t p = 1; p <= count_; p += GetSpanLength(static_cast<std::int32_t>(p), true))
+        spanStarts_.push_back(static_cast<std::int32_t>(p));
+    } catch (...) {
+      std::vector<std::int32_t>().swap(spanStarts_);
+      throw;
+    }
     spansBuilt_ = true;
   }
   return spanStarts_;

@@ -199,6 +199,13 @@ TEST(Column, BadInputRaisesTheClassicErrors) {
   EXPECT_EQ(o->Find(Variant::Nothing()), 1);
   EXPECT_EQ(ErrorOf([&] { d->LetNumberOfElements(2000000000); }), 7);
   EXPECT_EQ(d->NumberOfElements(), 1);
+  // A None column grows without a store; its span table would not fit.
+  auto none = MakeRef<TKColumn>();
+  EXPECT_FALSE(none->SetAtGrow(2147483647, Variant(1.0)));
+  EXPECT_EQ(ErrorOf([&] { none->Spans(); }), 7);
+  EXPECT_EQ(ErrorOf([&] { none->IndexSpan(5); }), 7);
+  none->LetNumberOfElements(3);
+  EXPECT_EQ(none->Spans(), 3);
 
   Ref<Object> c = CreateObject("TessarkAO.TKColumn");
   Invoke(c, "ColumnType", CallKind::Let, {Variant(3)});
