@@ -278,8 +278,9 @@ Ref<HostShape> Loader::ReadShape(const Json& j, bool root, std::size_t depth) {
   std::string name = root ? std::string() : std::string(ShapeKindName(kind));
   if (const Json* n = Member(j, "name")) {
     At at(*this, "name");
+    // A root's name may have been set through Name like any other shape's,
+    // and what was saved must load back.
     name = String(*n);
-    if (root && !name.empty()) Fail("a page's root shape has an empty name");
   }
   std::int32_t id = 0;
   if (const Json* s = Member(j, "systemID")) {
