@@ -8,6 +8,7 @@
 #include "automation/AutomationError.hpp"
 #include "automation/Convert.hpp"
 #include "host/HostModel.hpp"
+#include "scene/HostWalk.hpp"
 
 namespace TessarkAO::Functions {
 
@@ -88,8 +89,11 @@ std::string ShapePathOf(const Variant& shape) {
   const Variant page = shape.Get("Application").Get("ActivePage");
   std::vector<std::string> names;
   Variant current = shape;
+  Scene::HostWalk walk;
+  walk.Step(current);
   for (;;) {
     current = FindShapeParent(current);
+    walk.Step(current);
     std::string name = Host::NameOf(current);
     const bool top = name.empty();
     if (top) name = Host::NameOf(page);

@@ -6,6 +6,7 @@
 
 #include "host/HostModel.hpp"
 #include "platform/UserInterface.hpp"
+#include "scene/HostWalk.hpp"
 #include "scene/SceneViewer.hpp"
 
 namespace TessarkAO::Scene {
@@ -140,10 +141,12 @@ void WalkShapes(const Variant& root, ShapeVisitor& visitor) {
     std::int32_t depth;
   };
   std::vector<Level> stack;
+  HostWalk walk;
 
   // Visits one shape and, for a container with its child component, opens
   // the level of its children.
   auto enter = [&](const Variant& shape, std::int32_t depth) {
+    walk.Step(shape, depth);
     const std::int32_t type = Host::TypeOf(shape);
     std::int32_t container = 0;
     if (type == Host::ShapeType::Assembly) container = Host::ComponentType::Group;

@@ -35,7 +35,8 @@ class ShapeVisitor {
 
 // Visits `root` and everything below it in pre-order.  The walk keeps its own
 // stack, so the depth of a scene is not limited by the thread's stack.  Host
-// errors end it; what was visited stays visited.
+// errors end it; what was visited stays visited.  A shape met twice or a
+// depth beyond any real scene ends it with 28 (see HostWalk.hpp).
 void WalkShapes(const Variant& root, ShapeVisitor& visitor);
 
 // Shows the scene viewer for `page` as a modal dialog of the user-interface

@@ -6,6 +6,7 @@
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
 #include "host/HostModel.hpp"
+#include "scene/HostWalk.hpp"
 #include "scene/SceneUtils.hpp"
 #include "system/Units.hpp"
 
@@ -167,8 +168,11 @@ void TKPosition::GetWorldPosition() {
   // Walk up collecting the ancestors; the nameless top is not collected.
   std::vector<Variant> ancestors;
   Variant current = ShapeVariant();
+  Scene::HostWalk walk;
+  walk.Step(current);
   for (;;) {
     Variant parent = SceneUtils::ParentOf(current);
+    walk.Step(parent);
     if (Host::NameOf(parent).empty()) break;
     ancestors.push_back(parent);
     current = std::move(parent);
@@ -184,8 +188,11 @@ void TKPosition::GetPositionFromWoldToParent(Ref<Object> objParent) {
   // Walk up from the parent; unlike GetWorldPosition the nameless top is kept
   // in the chain, so the first transform down is made by the top itself.
   std::vector<Variant> chain{Variant(std::move(objParent))};
+  Scene::HostWalk walk;
+  walk.Step(chain.back());
   for (;;) {
     chain.push_back(SceneUtils::ParentOf(chain.back()));
+    walk.Step(chain.back());
     if (Host::NameOf(chain.back()).empty()) break;
   }
   // From the top down: the last transform is made by objParent's parent
