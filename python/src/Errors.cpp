@@ -83,9 +83,12 @@ std::string StrOf(PyObject* o) {
     PyErr_Clear();
     return "?";
   }
-  const char* c = PyUnicode_AsUTF8(s);
-  std::string out = c ? c : "?";
-  if (!c) PyErr_Clear();
+  std::string out = "?";
+  try {
+    out = TextFromPython(s);
+  } catch (py::error_already_set&) {
+    PyErr_Clear();
+  }
   Py_DECREF(s);
   return out;
 }
@@ -122,7 +125,7 @@ namespace {
 void SetErrorOf(PyObject* cls, const AutomationError& e) {
   PyObject* inst = nullptr;
   try {
-    inst = py::handle(cls)(e.Number(), py::str(e.Description()), py::str(e.Source()),
+    inst = py::handle(cls)(e.Number(), TextToPython(e.Description()), TextToPython(e.Source()),
                            static_cast<std::uint64_t>(e.HResult()))
                .release()
                .ptr();
@@ -174,8 +177,8 @@ AutomationError AutomationErrorFromPython(py::error_already_set& e) {
       py::handle h(value);
       const auto number = h.attr("number").cast<std::int32_t>();
       const auto hresult = static_cast<std::uint32_t>(h.attr("hresult").cast<std::uint64_t>());
-      AutomationError out(number, hresult, py::str(h.attr("description")).cast<std::string>(),
-                          py::str(h.attr("source")).cast<std::string>());
+      AutomationError out(number, hresult, TextFromPython(py::str(h.attr("description")).ptr()),
+                          TextFromPython(py::str(h.attr("source")).ptr()));
       t_cause.exception = value;
       Py_INCREF(value);
       t_cause.number = out.Number();

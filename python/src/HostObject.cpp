@@ -65,7 +65,7 @@ std::string FindNameNoCase(PyObject* target, std::string_view name) {
   if (!names) throw py::error_already_set();
   for (py::handle n : names) {
     if (!PyUnicode_Check(n.ptr())) continue;
-    const std::string s = n.cast<std::string>();
+    const std::string s = TextFromPython(n.ptr());
     if (EqualsNoCase(s, name)) return s;
   }
   return {};

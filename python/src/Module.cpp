@@ -91,7 +91,7 @@ PYBIND11_MODULE(_core, m) {
   m.def(
       "describe",
       [](py::handle obj) -> std::string {
-        Ref<Object> o = PyUnicode_Check(obj.ptr()) ? CreateObject(obj.cast<std::string>()) : ObjectOf(obj);
+        Ref<Object> o = PyUnicode_Check(obj.ptr()) ? CreateObject(TextFromPython(obj.ptr())) : ObjectOf(obj);
         const ClassInfo* info = o->Class();
         if (!info) return o->TypeName() + "\n  (members resolved at call time)\n";
         return ClassDescription(*info);

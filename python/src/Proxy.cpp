@@ -180,7 +180,10 @@ PyObject* ProxyGetAttr(PyObject* self, PyObject* name) {
   if (!PyUnicode_Check(name)) return PyObject_GenericGetAttr(self, name);
   Py_ssize_t len = 0;
   const char* s = PyUnicode_AsUTF8AndSize(name, &len);
-  if (!s) return nullptr;
+  if (!s) {  // a name with a lone surrogate names no member
+    PyErr_Clear();
+    return PyObject_GenericGetAttr(self, name);
+  }
   // Automation names start with a letter: the rest are Python's own.
   if (len == 0 || s[0] == '_') return PyObject_GenericGetAttr(self, name);
   const std::string_view text(s, static_cast<std::size_t>(len));
@@ -212,7 +215,10 @@ int ProxySetAttr(PyObject* self, PyObject* name, PyObject* value) {
   if (!PyUnicode_Check(name)) return PyObject_GenericSetAttr(self, name, value);
   Py_ssize_t len = 0;
   const char* s = PyUnicode_AsUTF8AndSize(name, &len);
-  if (!s) return -1;
+  if (!s) {  // a name with a lone surrogate names no member
+    PyErr_Clear();
+    return PyObject_GenericSetAttr(self, name, value);
+  }
   if (len == 0 || s[0] == '_') return PyObject_GenericSetAttr(self, name, value);
   const std::string_view text(s, static_cast<std::size_t>(len));
   if (!value) {
@@ -476,7 +482,7 @@ Variant InvokeRaw(Object& object, py::handle nameOrId, CallKind kind, CallArgs& 
     if (PyLong_Check(nameOrId.ptr()))
       r = object.InvokeId(nameOrId.cast<DispId>(), kind, args.Span());
     else
-      r = object.Invoke(py::str(nameOrId).cast<std::string>(), kind, args.Span());
+      r = object.Invoke(TextFromPython(py::str(nameOrId).ptr()), kind, args.Span());
   } catch (...) {
     try {
       args.WriteBack();

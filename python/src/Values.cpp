@@ -298,11 +298,7 @@ SafeArray ArrayFromNested(py::handle data, VarType element, py::handle lbounds) 
   if (counts.size() > 60) throw py::value_error("tk.Array: more than 60 dimensions");
   const std::vector<std::int32_t> lower = LowerBounds(lbounds, counts.size());
   std::vector<ArrayBound> bounds;
-  for (std::size_t d = 0; d < counts.size(); ++d) {
-    if (static_cast<std::int64_t>(lower[d]) + counts[d] - 1 > std::numeric_limits<std::int32_t>::max())
-      throw py::value_error("tk.Array: an upper bound beyond the range of Long");
-    bounds.push_back(ArrayBound{lower[d], counts[d]});
-  }
+  for (std::size_t d = 0; d < counts.size(); ++d) bounds.push_back(ArrayBound{lower[d], counts[d]});
   SafeArray a(element, std::move(bounds));
   std::vector<std::int32_t> index(counts.size(), 0);
   FillNested(a, data, 0, index);
@@ -345,7 +341,7 @@ py::object ToList(const SafeArray& a) { return ToListLevel(a, 0, 0); }
 py::tuple BoundsTuple(const SafeArray& a, bool upper) {
   py::tuple t(a.Bounds().size());
   for (std::size_t d = 0; d < a.Bounds().size(); ++d)
-    t[d] = py::int_(upper ? a.Bounds()[d].upper() : a.Bounds()[d].lower);
+    t[d] = py::int_(upper ? a.UBound(static_cast<int>(d) + 1) : a.Bounds()[d].lower);
   return t;
 }
 
@@ -389,17 +385,35 @@ void RegisterTyped(py::module_& m, const char* name, const char* doc) {
 
 // ----- 3. Conversions (public) ----------------------------------------------------------
 
+std::string TextFromPython(PyObject* str) {
+  Py_ssize_t n = 0;
+  if (const char* s = PyUnicode_AsUTF8AndSize(str, &n)) return std::string(s, static_cast<std::size_t>(n));
+  if (!PyErr_ExceptionMatches(PyExc_UnicodeEncodeError)) throw py::error_already_set();
+  PyErr_Clear();
+  PyObject* bytes = PyUnicode_AsEncodedString(str, "utf-8", "surrogatepass");
+  if (!bytes) throw py::error_already_set();
+  std::string out(PyBytes_AS_STRING(bytes), static_cast<std::size_t>(PyBytes_GET_SIZE(bytes)));
+  Py_DECREF(bytes);
+  return out;
+}
+
+py::str TextToPython(std::string_view text) {
+  const auto n = static_cast<Py_ssize_t>(text.size());
+  PyObject* r = PyUnicode_DecodeUTF8(text.data(), n, "surrogatepass");
+  if (!r) {
+    PyErr_Clear();
+    r = PyUnicode_DecodeUTF8(text.data(), n, "surrogateescape");
+  }
+  if (!r) throw py::error_already_set();
+  return py::reinterpret_steal<py::str>(r);
+}
+
 Variant ToVariant(py::handle h) {
   PyObject* o = h.ptr();
   if (PyFloat_CheckExact(o)) return Variant(PyFloat_AS_DOUBLE(o));
   if (PyBool_Check(o)) return Variant(o == Py_True);
   if (PyLong_CheckExact(o)) return IntToVariant(o);
-  if (PyUnicode_Check(o)) {
-    Py_ssize_t n = 0;
-    const char* s = PyUnicode_AsUTF8AndSize(o, &n);
-    if (!s) throw py::error_already_set();
-    return Variant(std::string(s, static_cast<std::size_t>(n)));
-  }
+  if (PyUnicode_Check(o)) return Variant(TextFromPython(o));
   if (o == Py_None) return Variant::Nothing();
   if (IsProxy(o)) return Variant(Ref<Object>(ProxyTarget(o)));
   if (o == g.empty) return Variant();
@@ -435,7 +449,7 @@ py::object PlainValue(const Variant& value) {
     case VarType::Single: return py::float_(static_cast<double>(v.AsSingle()));
     case VarType::Double: return py::float_(v.AsDouble());
     case VarType::Boolean: return py::bool_(v.AsBoolean());
-    case VarType::String: return py::str(v.AsString());
+    case VarType::String: return TextToPython(v.AsString());
     case VarType::Currency: return CurrencyToPython(v.AsCurrency());
     case VarType::Decimal: return DecimalToPython(v.AsDecimal());
     case VarType::Date: return DateToPython(v.AsDate());
@@ -452,12 +466,7 @@ py::object FromVariant(const Variant& value) {
     case Variant::kDouble: return py::reinterpret_steal<py::object>(PyFloat_FromDouble(v.AsDouble()));
     case Variant::kLong: return py::reinterpret_steal<py::object>(PyLong_FromLong(v.AsLong()));
     case Variant::kBoolean: return py::bool_(v.AsBoolean());
-    case Variant::kString: {
-      const std::string& s = v.AsString();
-      PyObject* r = PyUnicode_DecodeUTF8(s.data(), static_cast<Py_ssize_t>(s.size()), "surrogateescape");
-      if (!r) throw py::error_already_set();
-      return py::reinterpret_steal<py::object>(r);
-    }
+    case Variant::kString: return TextToPython(v.AsString());
     case Variant::kEmpty: return py::reinterpret_borrow<py::object>(g.empty);
     case Variant::kNull: return py::reinterpret_borrow<py::object>(g.null);
     case Variant::kObject: {

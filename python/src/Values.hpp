@@ -59,6 +59,14 @@ struct RefBox {
   py::object value;
 };
 
+// Text across the boundary.  A classic string is any sequence of UTF-16 code
+// units, so a str may hold lone surrogates: they travel inside the library
+// as their three-byte (generalized UTF-8) forms and come back unchanged.
+// Bytes that are not UTF-8 at all (read from a file, say) come back as the
+// surrogate escapes U+DC80..U+DCFF, so every text reaches Python as a str.
+std::string TextFromPython(PyObject* str);
+py::str TextToPython(std::string_view text);
+
 // Python to variant.  Raises AutomationError (13, 6) for values that do not
 // convert, TypeError for a tk.Ref outside an argument list.
 Variant ToVariant(py::handle h);

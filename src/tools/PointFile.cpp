@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "automation/AutomationError.hpp"
 #include "automation/Convert.hpp"
 
 namespace TessarkAO::PointFile {
@@ -103,6 +104,13 @@ Ref<TK2DArray> PointRows::ToTable() const {
   Ref<TK2DArray> table = MakeRef<TK2DArray>();
   const std::int32_t n = Rows();
   if (n == 0) return table;
+  // The table is dense: one very long line among many short ones asks for
+  // rows x columns cells that are nearly all zero.  Such a shape is refused
+  // with 7 before it is allocated; a table mostly filled by the file's own
+  // numbers is left to the table's own limit.
+  const std::int64_t cells = std::int64_t{n} * columns;
+  if (cells > kMaxSparseCells && cells > 4 * static_cast<std::int64_t>(values.size()))
+    Raise(Err::OutOfMemory);
   table->SetDimensions(n, columns, false);
   for (std::int32_t r = 0; r < n; ++r) {
     const std::size_t begin = rowStarts[static_cast<std::size_t>(r)];

@@ -30,6 +30,10 @@
 
 namespace TessarkAO::PointFile {
 
+// A table of more cells than this, most of them not filled by the file, is
+// refused with 7 (Out of memory) before it is allocated.
+inline constexpr std::int64_t kMaxSparseCells = std::int64_t{1} << 24;
+
 // The numbers read so far, row by row.
 struct PointRows {
   std::vector<double> values;            // every row's numbers, one row after the other

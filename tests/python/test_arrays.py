@@ -43,6 +43,11 @@ def test_malformed_input_is_refused():
         tk.Array(5)
     with pytest.raises(tk.AutomationError):
         tk.Array(["x"], vartype="Double")
+    # bounds are Longs: an upper bound outside their range is an overflow
+    for value, lower in [([1, 2], 2147483647), ([], -2147483648)]:
+        with pytest.raises(tk.AutomationError, match="Overflow"):
+            tk.Array(value, lbounds=lower)
+    assert tk.Array([1], lbounds=2147483647).ubounds == (2147483647,)
 
 
 def test_arrays_keep_shape_bounds_and_order_through_the_library(sample):

@@ -135,6 +135,20 @@ TEST(PointFile, FilesThatCannotBeOpenedGiveNoTable) {
   EXPECT_EQ(empty->Rows(), 0);
 }
 
+// One line of 300,000 numbers among 2,000 short ones would make a table of
+// 600 million cells, nearly all empty: refused with 7 before it is allocated.
+// The same line alone is a table the file fills, and reads.
+TEST(PointFile, SparseTablesOfAbsurdSizeAreRefused) {
+  std::string wide;
+  for (int i = 0; i < 300'000; ++i) wide += "1 ";
+  std::string text;
+  for (int i = 0; i < 2'000; ++i) text += "1 2\n";
+  EXPECT_EQ(ErrorOf([&] { PointFile::ReadPointFile(WriteFile("wide.txt", text + wide + "\n")); }), 7);
+  const Ref<TK2DArray> alone = PointFile::ReadPointFile(WriteFile("wide-alone.txt", wide + "\n" + wide));
+  ASSERT_TRUE(alone);
+  EXPECT_EQ(alone->Columns(), 300'000);
+}
+
 TEST(PointFile, MillionLinesAcrossReadBlocks) {
   std::string text;
   text.reserve(24'000'000);

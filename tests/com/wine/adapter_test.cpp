@@ -415,6 +415,24 @@ TEST_CASE("a caller's object is called late-bound; its errors and outputs pass t
   CHECK_EQ(host.refs, 1ul);
 }
 
+TEST_CASE("text of any code units crosses unchanged; bounds beyond the Long range are error 6") {
+  Served s;
+  CallResult text, bound;
+  const wchar_t lone[] = {L'a', static_cast<wchar_t>(0xD800), L'b', static_cast<wchar_t>(0xDFFF), 0};
+  Call(s.d, L"Echo", DISPATCH_METHOD, {Str(lone)}, text);
+  CHECK(V_VT(&text.result) == VT_BSTR && std::wstring(V_BSTR(&text.result)) == lone);
+
+  // Two elements from 2147483647: the upper bound does not fit a Long.
+  SAFEARRAYBOUND edge = {2, 2147483647};
+  VARIANT in;
+  VariantInit(&in);
+  V_VT(&in) = VT_ARRAY | VT_I4;
+  V_ARRAY(&in) = SafeArrayCreate(VT_I4, 1, &edge);
+  Call(s.d, L"Echo", DISPATCH_METHOD, {in}, bound);
+  CHECK_HR(bound.hr, DISP_E_EXCEPTION);
+  CHECK_HR(bound.error.scode, kClassic(6));
+}
+
 int main(int argc, char** argv) {
   CoInitialize(nullptr);
   const int rc = WineTest::RunAll(argc, argv);
