@@ -17,6 +17,7 @@
 
 #include "automation/AutomationError.hpp"
 #include "automation/Checked.hpp"
+#include "automation/Wide.hpp"
 
 namespace TessarkAO {
 
@@ -287,7 +288,7 @@ std::int64_t CurrencyRounded(Currency c) {
 // ----- 4. Decimal ---------------------------------------------------------------
 
 namespace {
-using u128 = unsigned __int128;
+using u128 = UInt128;
 constexpr u128 kDecimalMax = (static_cast<u128>(0xFFFFFFFFu) << 64) | 0xFFFFFFFFFFFFFFFFull;
 
 u128 Magnitude(const Decimal& d) { return (static_cast<u128>(d.hi) << 64) | d.lo; }
@@ -602,10 +603,7 @@ std::string ToString(const Variant& value) {
     case VarType::Single: return FormatSingle(v.AsSingle());
     case VarType::Double: return FormatDouble(v.AsDouble());
     case VarType::Currency: {
-      Decimal d = MakeDecimal(static_cast<u128>(v.AsCurrency().scaled < 0
-                                                    ? -static_cast<__int128>(v.AsCurrency().scaled)
-                                                    : v.AsCurrency().scaled),
-                              4, v.AsCurrency().scaled < 0);
+      Decimal d = MakeDecimal(Magnitude64(v.AsCurrency().scaled), 4, v.AsCurrency().scaled < 0);
       return DecimalToString(d, GetNumberLocale());
     }
     case VarType::Date: return FormatDate(v.AsDate());
@@ -677,11 +675,11 @@ Decimal ToDecimal(const Variant& value) {
       case VarType::Byte:
       case VarType::Boolean: {
         const std::int64_t i = ToLong(v);
-        return MakeDecimal(static_cast<u128>(i < 0 ? -i : i), 0, i < 0);
+        return MakeDecimal(Magnitude64(i), 0, i < 0);
       }
       case VarType::Currency: {
         const std::int64_t s = v.AsCurrency().scaled;
-        return MakeDecimal(static_cast<u128>(s < 0 ? -static_cast<__int128>(s) : s), 4, s < 0);
+        return MakeDecimal(Magnitude64(s), 4, s < 0);
       }
       case VarType::String: {
         Decimal d;

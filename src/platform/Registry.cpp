@@ -5,6 +5,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#ifndef _WIN32
+#include <unistd.h>
+#endif
 #include <cstring>
 #include <mutex>
 
@@ -18,6 +21,9 @@ namespace {
 struct Current {
   std::mutex mutex;
   std::unique_ptr<RegistryStore> store;
+#ifndef _WIN32
+  pid_t owner = 0;  // the process that opened the store
+#endif
 };
 
 Current& TheCurrent() {
@@ -48,6 +54,9 @@ RegistryStore& GetRegistry() {
     static const bool flushAtExit = std::atexit(&FlushRegistry) == 0;
     (void)flushAtExit;
     c.store = OpenRegistryStore(DefaultRegistryPath());
+#ifndef _WIN32
+    c.owner = ::getpid();
+#endif
   }
   return *c.store;
 }
@@ -55,6 +64,10 @@ RegistryStore& GetRegistry() {
 void FlushRegistry() noexcept {
   Current& c = TheCurrent();
   std::lock_guard lock(c.mutex);
+#ifndef _WIN32
+  // A forked child must not touch the connection its parent opened.
+  if (c.owner != ::getpid()) return;
+#endif
   if (c.store) c.store->Flush();
 }
 
@@ -62,6 +75,9 @@ void SetRegistry(std::unique_ptr<RegistryStore> store) {
   Current& c = TheCurrent();
   std::lock_guard lock(c.mutex);
   c.store = std::move(store);
+#ifndef _WIN32
+  c.owner = ::getpid();
+#endif
 }
 
 RegStatus RegistryStore::ImportRegText(std::string_view file, unsigned codePage) {
