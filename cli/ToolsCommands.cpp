@@ -17,7 +17,9 @@ namespace TessarkAO::Cli {
 extern const std::string_view kImportUsage;
 const std::string_view kImportUsage =
     "usage: tktools import-bspline POINTS.txt --scene FILE.json --select SHAPE [--save OUT.json]\n"
+    "       tktools import-bspline --scene FILE.json --select SHAPE [--save OUT.json]\n"
     "\n"
+    "Without POINTS.txt the import dialog is shown and the file is chosen in it.\n"
     "Imports the fit points of POINTS.txt as a B-spline path into SHAPE of the scene's\n"
     "active page, as the import dialog does when the file is chosen and Import pressed.\n"
     "\n"
@@ -72,8 +74,17 @@ class ShapeFinder final : public Scene::ShapeVisitor {
   std::string wanted_;
 };
 
+}  // namespace
+
+int ImportBSplineByDialog(const std::string& scene, const std::string& select, const std::string& save);
+
+namespace {
+
 int ImportBSplineCommand(const std::vector<std::string>& raw) {
   const Arguments args(raw, {"--scene", "--select", "--save"});
+  // Without a points file the import dialog asks for one (WindowCommands.cpp).
+  if (args.Positionals().empty())
+    return ImportBSplineByDialog(args.Value("--scene"), args.Value("--select"), args.Value("--save"));
   if (args.Positionals().size() != 1) throw UsageError("one POINTS.txt file is needed");
   if (!args.Has("--scene")) throw UsageError("--scene is needed");
   if (!args.Has("--select")) throw UsageError("--select is needed");
