@@ -18,7 +18,9 @@ namespace TessarkAO::Cli {
 extern const std::string_view kImportUsage;
 const std::string_view kImportUsage =
     "usage: tktools import-bspline POINTS.txt --scene FILE.json --select SHAPE --save OUT.json\n"
+    "       tktools import-bspline --scene FILE.json --select SHAPE [--save OUT.json]\n"
     "\n"
+    "Without POINTS.txt the import dialog is shown and the file is chosen in it.\n"
     "Imports the fit points of POINTS.txt as a B-spline path into SHAPE of the scene's\n"
     "active page, as the import dialog does when the file is chosen and Import pressed.\n"
     "\n"
@@ -26,11 +28,11 @@ const std::string_view kImportUsage =
     "  --scene FILE.json   the scene to import into\n"
     "  --select SHAPE      the shape to select first: its name, or its full path\n"
     "                      (\"Scene1//Assembly//Part\")\n"
-    "  --save OUT.json     where the scene with the new path is saved (needed: the\n"
-    "                      import changes nothing else)\n"
+    "  --save OUT.json     where the scene with the new path is saved (needed with\n"
+    "                      POINTS.txt: the import changes nothing else)\n"
+    "  -h, --help          show this text\n"
     "\n"
     "POINTS.txt, FILE.json or OUT.json may be -, standard input or output.\n"
-    "  -h, --help          show this text\n"
     "\n"
     "Exit status: 0 imported, 1 the import or the scene failed (the message shown is\n"
     "the reason), 2 for a wrong call.\n";
@@ -95,8 +97,20 @@ void SaveImportedScene(const Ref<Object>& app, const std::string& target) {
   out.Commit();
 }
 
+}  // namespace
+
+int ImportBSplineByDialog(const std::string& scene, const std::string& select, const std::string& save);
+
+namespace {
+
 int ImportBSplineCommand(const std::vector<std::string>& raw) {
   const Arguments args(raw, {"--scene", "--select", "--save"});
+  // Without a points file the import dialog asks for one (WindowCommands.cpp).
+  if (args.Positionals().empty()) {
+    const int status = ImportBSplineByDialog(args.Value("--scene"), args.Value("--select"), args.Value("--save"));
+    if (!args.Has("--save")) std::fprintf(stderr, "tktools import-bspline: nothing was saved (--save OUT.json keeps the scene)\n");
+    return status;
+  }
   if (args.Positionals().size() != 1) throw UsageError("one POINTS.txt file is needed");
   if (!args.Has("--scene")) throw UsageError("--scene is needed");
   if (!args.Has("--select")) throw UsageError("--select is needed");

@@ -23,6 +23,8 @@ int TreeRun(const std::vector<std::string>& args);
 extern const std::string_view kTreeUsage;
 int RegRun(const std::vector<std::string>& args);
 extern const std::string_view kRegUsage;
+int ViewRun(const std::vector<std::string>& args);
+extern const std::string_view kViewUsage;
 }  // namespace TessarkAO::Cli
 
 namespace {
@@ -34,6 +36,7 @@ const Command kCommands[] = {
     {"tree", "print the scene viewer's tree of a scene file", kTreeUsage, &TreeRun},
     {"reg", "import, export, read and write the registry store", kRegUsage, &RegRun},
     {"import-bspline", "import a fit-point file as a B-spline into a scene", kImportUsage, &ImportBSplineRun},
+    {"view", "show the scene viewer on a scene file (needs a display)", kViewUsage, &ViewRun},
     {"export-bom", "write a bill of materials from a CSV file to an .xlsx workbook", kExportUsage, &ExportBomRun},
 };
 

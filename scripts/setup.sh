@@ -9,9 +9,10 @@ packages=(
   libsqlite3-dev sqlite3 libfontconfig-dev libfreetype-dev fontconfig fonts-dejavu-core
   libxlsxwriter-dev nlohmann-json3-dev libeigen3-dev
   pybind11-dev python3-dev python3-pytest python3-openpyxl
+  qt6-base-dev xvfb xauth
 )
 if [ "${1:-}" = "--windows" ]; then
-  packages+=(mingw-w64 mingw-w64-tools wine wine64)
+  packages+=(mingw-w64 mingw-w64-tools wine wine64 netpbm)
   wow64=1
 fi
 

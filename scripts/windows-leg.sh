@@ -142,6 +142,7 @@ done
 # The 32-bit server in the same prefix, and .reg files against regedit.
 source scripts/windows-leg/wow64.sh && wow64_leg
 source scripts/windows-leg/regedit.sh && regedit_round_trips
+note "dialogs on a virtual display"; out=$(scripts/windows-dialogs.sh "$bin" out/screens); echo "$out"; count "$out"
 
 note "dispatch benchmark"
 run_wine "$bin/com_dispatch_bench.exe" || fail_step "com_dispatch_bench"
