@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <sys/stat.h>
 
@@ -143,7 +144,13 @@ int RunScript(const std::vector<std::string>& args) {
       }
     }
     if (status == 0 && !save.empty()) {
-      OutputFile out(save, ".json");
+      std::optional<OutputFile> made;
+      try {
+        made.emplace(save, ".json");
+      } catch (const CommandError& e) {
+        throw CommandError(std::string("cannot save the scene: ") + e.what());
+      }
+      OutputFile& out = *made;
       try {
         tk.attr("refhost").attr("save")(globals["app"], out.Path());
       } catch (py::error_already_set& e) {
