@@ -14,14 +14,14 @@
 #include <thread>
 #include <vector>
 
-#include <commctrl.h>
-
 #include "DispatchCall.hpp"
 #include "WineTest.hpp"
 #include "automation/Convert.hpp"
 #include "com/DispatchAdapter.hpp"
 #include "platform/win32/DialogControls.hpp"
 #include "refhost/RefHost.hpp"
+
+#include <commctrl.h>
 
 using namespace TessarkAO;
 using namespace WineTest;
@@ -263,8 +263,11 @@ TEST_CASE("scene viewer: GetCLSID(707, 808) shows the page; the lists follow the
     HWND tree = GetDlgItem(dialog, C::TreeView);
     HWND parts = GetDlgItem(dialog, C::lstComponents), details = GetDlgItem(dialog, C::lstVariables);
     // Depth first through the tree for the first item whose label starts so.
+    auto next = [&](HTREEITEM item, WPARAM which) {
+      return reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, which, reinterpret_cast<LPARAM>(item)));
+    };
     auto find = [&](const std::wstring& prefix) {
-      std::vector<HTREEITEM> stack{TreeView_GetRoot(tree)};
+      std::vector<HTREEITEM> stack{next(nullptr, TVGN_ROOT)};
       while (!stack.empty()) {
         HTREEITEM item = stack.back();
         stack.pop_back();
@@ -277,8 +280,8 @@ TEST_CASE("scene viewer: GetCLSID(707, 808) shows the page; the lists follow the
         tv.cchTextMax = 256;
         SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&tv));
         if (std::wstring(text).rfind(prefix, 0) == 0) return item;
-        stack.push_back(TreeView_GetNextSibling(tree, item));
-        stack.push_back(TreeView_GetChild(tree, item));
+        stack.push_back(next(item, TVGN_NEXT));
+        stack.push_back(next(item, TVGN_CHILD));
       }
       return HTREEITEM(nullptr);
     };
