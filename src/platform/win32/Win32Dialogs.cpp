@@ -167,14 +167,6 @@ class DialogWindow {
   }
 };
 
-std::wstring TextOf(HWND control) {
-  const int n = GetWindowTextLengthW(control);
-  std::wstring s(static_cast<std::size_t>(n) + 1, L'\0');
-  GetWindowTextW(control, s.data(), n + 1);
-  s.resize(static_cast<std::size_t>(n));
-  return s;
-}
-
 // --- frmImportBSpline -------------------------------------------------------
 
 class FileChoiceWindow final : public DialogWindow {
