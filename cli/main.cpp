@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Command.hpp"
+#include "platform/Registry.hpp"
 
 namespace TessarkAO::Cli {
 int RunScript(const std::vector<std::string>& args);
@@ -49,7 +50,7 @@ void PrintOverview(std::FILE* out) {
   for (const Command& c : kCommands)
     std::fprintf(out, "  %-16.*s %.*s\n", static_cast<int>(c.name.size()), c.name.data(),
                  static_cast<int>(c.summary.size()), c.summary.data());
-  std::fprintf(out, "\n'tktools <command> --help' describes a command.\n");
+  std::fprintf(out, "\n'tktools <command> --help' describes a command; 'tktools --version' names the version.\n");
 }
 
 }  // namespace
@@ -62,6 +63,10 @@ int main(int argc, char** argv) {
   }
   if (args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
     PrintOverview(stdout);
+    return 0;
+  }
+  if (args[0] == "--version") {
+    std::printf("tktools (TessarkAO) %s\n", TK_VERSION);
     return 0;
   }
   const Command* command = nullptr;
@@ -80,6 +85,11 @@ int main(int argc, char** argv) {
     }
   }
   const std::string name(command->name);
+  // Whatever the command wrote to the registry store is in the store's main
+  // file when it ends, even if it fails.
+  struct FlushStore {
+    ~FlushStore() { TessarkAO::FlushRegistry(); }
+  } flushStore;
   try {
     return command->run(args);
   } catch (const UsageError& e) {
