@@ -69,17 +69,18 @@ HWND TopLevel(const std::wstring& caption, int control) {
     int control;
     HWND found;
   } s{&caption, control, nullptr};
-  EnumWindows(
-      [](HWND h, LPARAM p) -> BOOL {
-        auto& s = *reinterpret_cast<Search*>(p);
-        DWORD pid = 0;
-        GetWindowThreadProcessId(h, &pid);
-        if (pid != GetCurrentProcessId() || !IsWindowVisible(h) || TextOf(h) != *s.caption) return TRUE;
-        if (s.control && !GetDlgItem(h, s.control)) return TRUE;
-        s.found = h;
-        return FALSE;
-      },
-      reinterpret_cast<LPARAM>(&s));
+  struct Each {
+    static BOOL CALLBACK Window(HWND h, LPARAM p) {
+      auto& s = *reinterpret_cast<Search*>(p);
+      DWORD pid = 0;
+      GetWindowThreadProcessId(h, &pid);
+      if (pid != GetCurrentProcessId() || !IsWindowVisible(h) || TextOf(h) != *s.caption) return TRUE;
+      if (s.control && !GetDlgItem(h, s.control)) return TRUE;
+      s.found = h;
+      return FALSE;
+    }
+  };
+  EnumWindows(&Each::Window, reinterpret_cast<LPARAM>(&s));
   return s.found;
 }
 
@@ -88,19 +89,20 @@ HWND OwnedBy(HWND owner) {
   struct Search {
     HWND owner, found;
   } s{owner, nullptr};
-  EnumWindows(
-      [](HWND h, LPARAM p) -> BOOL {
-        auto& s = *reinterpret_cast<Search*>(p);
-        wchar_t windowClass[32] = L"";
-        GetClassNameW(h, windowClass, 32);
-        if (GetWindow(h, GW_OWNER) == s.owner && IsWindowVisible(h) && std::wcscmp(windowClass, L"#32770") == 0 &&
-            GetDlgItem(h, IDOK)) {
-          s.found = h;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&s));
+  struct Each {
+    static BOOL CALLBACK Window(HWND h, LPARAM p) {
+      auto& s = *reinterpret_cast<Search*>(p);
+      wchar_t windowClass[32] = L"";
+      GetClassNameW(h, windowClass, 32);
+      if (GetWindow(h, GW_OWNER) == s.owner && IsWindowVisible(h) && std::wcscmp(windowClass, L"#32770") == 0 &&
+          GetDlgItem(h, IDOK)) {
+        s.found = h;
+        return FALSE;
+      }
+      return TRUE;
+    }
+  };
+  EnumWindows(&Each::Window, reinterpret_cast<LPARAM>(&s));
   return s.found;
 }
 
@@ -142,17 +144,17 @@ void Capture(HWND window, const std::string& name) {
 // file-name box character by character, then its OK button.
 void ChooseFile(HWND fileDialog) {
   // The file-name box: the edit field inside its combo box.
+  struct Each {
+    static BOOL CALLBACK Control(HWND h, LPARAM found) {
+      wchar_t name[16] = L"";
+      GetClassNameW(h, name, 16);
+      if (std::wcscmp(name, L"Edit") != 0) return TRUE;
+      *reinterpret_cast<HWND*>(found) = h;
+      return FALSE;
+    }
+  };
   HWND edit = nullptr;
-  EnumChildWindows(
-      fileDialog,
-      [](HWND h, LPARAM found) -> BOOL {
-        wchar_t name[16] = L"";
-        GetClassNameW(h, name, 16);
-        if (std::wcscmp(name, L"Edit") != 0) return TRUE;
-        *reinterpret_cast<HWND*>(found) = h;
-        return FALSE;
-      },
-      reinterpret_cast<LPARAM>(&edit));
+  EnumChildWindows(fileDialog, &Each::Control, reinterpret_cast<LPARAM>(&edit));
   CHECK(edit != nullptr);
   if (!edit) return;
   SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L""));
