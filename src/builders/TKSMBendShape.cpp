@@ -2,7 +2,7 @@
 
 #include "automation/Catalogue.hpp"
 #include "builders/BuilderSteps.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 

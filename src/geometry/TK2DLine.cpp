@@ -17,7 +17,7 @@ void TK2DLine::Describe(ClassBuilder<TK2DLine>& b) {
                                                          Names{"Angle", "X", "Y"})
       .Method<&TK2DLine::SetDefinitionFromTwoPoints>("SetDefinitionFromTwoPoints",
                                                      Names{"X1", "Y1", "X2", "Y2"})
-      .Method<&TK2DLine::GetIntersectionPoint>("GetIntersectionPoint", Names{"Line", "X", "Y"});
+      .Method<&TK2DLine::GetIntersectionPoint>("GetIntersectionPoint", Names{"Line", "X", "Y"}, Out<2, 3>{});
 }
 
 bool TK2DLine::SetDefinitionFromAngleAndPoint(double angle, double x, double y) {

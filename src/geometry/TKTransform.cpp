@@ -10,9 +10,9 @@ void TKTransform::Describe(ClassBuilder<TKTransform>& b) {
   using T = TKTransform;
   b.Method<&T::InheritTransform>("InheritTransform", Names{"cTransform"})
       .Method<&T::SetPosition>("SetPosition", Names{"X", "Y", "Z"})
-      .Method<&T::GetPosition>("GetPosition", Names{"X", "Y", "Z"})
+      .Method<&T::GetPosition>("GetPosition", Names{"X", "Y", "Z"}, Out<1, 2, 3>{})
       .Method<&T::SetRotation>("SetRotation", Names{"X", "Y", "Z", "Degrees"})
-      .Method<&T::GetRotation>("GetRotation", Names{"X", "Y", "Z", "Degrees"})
+      .Method<&T::GetRotation>("GetRotation", Names{"X", "Y", "Z", "Degrees"}, Out<1, 2, 3, 4>{})
       .Method<&T::Shift>("Shift", Names{"X", "Y", "Z"})
       .Method<&T::ShiftLocal>("ShiftLocal", Names{"X", "Y", "Z"})
       .Get<&T::AxisVector>("AxisVector", Names{"Axis"})

@@ -25,7 +25,7 @@ void TKVector4d::Describe(ClassBuilder<TKVector4d>& b) {
                                                   Names{"X1", "X2", "Y1", "Y2", "Z1", "Z2"})
       .Method<static_cast<void (TKVector4d::*)(double, double, double)>(&TKVector4d::SetPosition)>(
           "SetPosition", Names{"X", "Y", "Z"})
-      .Method<&TKVector4d::GetPosition>("GetPosition", Names{"X", "Y", "Z"})
+      .Method<&TKVector4d::GetPosition>("GetPosition", Names{"X", "Y", "Z"}, Out<1, 2, 3>{})
       .Method<&TKVector4d::Rotate>("Rotate", Names{"Axis", "Degrees"})
       .Method<&TKVector4d::Stretch>("Stretch", Names{"X", "Y", "Z"})
       .Method<&TKVector4d::Shift>("Shift", Names{"X", "Y", "Z"})
@@ -34,7 +34,7 @@ void TKVector4d::Describe(ClassBuilder<TKVector4d>& b) {
                                                      Names{"Vector", "Degrees"})
       .Method<&TKVector4d::SubtractVector>("SubtractVector", Names{"Vector"})
       .Method<&TKVector4d::AddVector>("AddVector", Names{"Vector"})
-      .Method<&TKVector4d::AcquireMatrix>("AcquireMatrix", Names{"dblMatrix"})
+      .Method<&TKVector4d::AcquireMatrix>("AcquireMatrix", Names{"dblMatrix"}, Out<1>{})
       .Get<&TKVector4d::Value>("Value", Names{"Index"})
       .Let<&TKVector4d::LetValue>("Value", Names{"Index", "Value"})
       .Property<&TKVector4d::Epsilon, &TKVector4d::LetEpsilon>("Epsilon")

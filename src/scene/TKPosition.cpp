@@ -5,7 +5,7 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/SceneUtils.hpp"
 #include "system/Units.hpp"
 
@@ -67,14 +67,14 @@ void TKPosition::Describe(ClassBuilder<TKPosition>& b) {
       .Method<&TKPosition::TransformPositionUp>("TransformPositionUp", Names{"objPage"}, noPage)
       .Method<&TKPosition::GetPtTransformUp>(
           "GetPtTransformUp", Names{"dblX", "dblY", "dblZ", "dblRotX", "dblRotY", "dblRotZ", "dblRotAngle"},
-          Opt{0.0, 0.0, 0.0, 0.0})
+          Opt{0.0, 0.0, 0.0, 0.0}, Out<1, 2, 3, 4, 5, 6, 7>{})
       .Method<&TKPosition::GetPtTransformDown>(
           "GetPtTransformDown",
           Names{"objChild", "dblX", "dblY", "dblZ", "dblRotX", "dblRotY", "dblRotZ", "dblRotAngle"},
-          Opt{0.0, 0.0, 0.0, 0.0})
+          Opt{0.0, 0.0, 0.0, 0.0}, Out<2, 3, 4, 5, 6, 7, 8>{})
       .Method<&TKPosition::Rotate>("Rotate", Names{"lngAxis", "dblAngle"})
       .Method<&TKPosition::Shift>("Shift", Names{"dblX", "dblY", "dblZ", "bUseParent"}, Opt{false})
-      .Method<&TKPosition::GetNormal>("GetNormal", Names{"dblX", "dblY", "dblZ"})
+      .Method<&TKPosition::GetNormal>("GetNormal", Names{"dblX", "dblY", "dblZ"}, Out<1, 2, 3>{})
       .Method<&TKPosition::Zero>("Zero", Names{"Parameter"})
       .Method<&TKPosition::ResetAnchor>(
           "ResetAnchor", Names{"dblLengthRatio", "dblWidthRatio", "dblHeightRatio", "bNormalize", "objPage"},

@@ -28,14 +28,14 @@ void AppUtils::Describe(ClassBuilder<AppUtils>& b) {
       .Get<&AppUtils::ProductInRegistryLocalMachine>("ProductInRegistryLocalMachine")
       .Get<&AppUtils::CommonInRegistryCurrentUser>("CommonInRegistryCurrentUser")
       .Get<&AppUtils::CommonInRegistryLocalMachine>("CommonInRegistryLocalMachine")
-      .Method<&AppUtils::GetRegistryPreferenceString>("GetRegistryPreferenceString", Names{"ValueName", "Value"})
-      .Method<&AppUtils::GetRegistryPreferenceLong>("GetRegistryPreferenceLong", Names{"ValueName", "Value"})
+      .Method<&AppUtils::GetRegistryPreferenceString>("GetRegistryPreferenceString", Names{"ValueName", "Value"}, Out<2>{})
+      .Method<&AppUtils::GetRegistryPreferenceLong>("GetRegistryPreferenceLong", Names{"ValueName", "Value"}, Out<2>{})
       .Method<&AppUtils::RegistryPreferenceBegin>("RegistryPreferenceBegin", Names{"Section"})
       .Method<&AppUtils::RegistryPreferenceEnd>("RegistryPreferenceEnd")
       .Method<&AppUtils::GetCommonRegistryPreferenceString>("GetCommonRegistryPreferenceString",
-                                                            Names{"ValueName", "Value"})
+                                                            Names{"ValueName", "Value"}, Out<2>{})
       .Method<&AppUtils::GetCommonRegistryPreferenceLong>("GetCommonRegistryPreferenceLong",
-                                                          Names{"ValueName", "Value"})
+                                                          Names{"ValueName", "Value"}, Out<2>{})
       .Get<&AppUtils::ProgID>("ProgID")
       .Get<&AppUtils::CommonBinariesPath>("CommonBinariesPath")
       .Get<&AppUtils::ApplicationDataFolder>("ApplicationDataFolder")

@@ -54,18 +54,18 @@ std::string InitialsOf(std::string_view name) {
 }
 
 void TKSystemUtils::Describe(ClassBuilder<TKSystemUtils>& b) {
-  b.Method<&TKSystemUtils::ReadRegistryValue>("ReadRegistryValue", Names{"lKey", "sSubKey", "sValueName", "lError"})
+  b.Method<&TKSystemUtils::ReadRegistryValue>("ReadRegistryValue", Names{"lKey", "sSubKey", "sValueName", "lError"}, Out<4>{})
       .Method<&TKSystemUtils::SetRegistryStringValue>("SetRegistryStringValue",
                                                       Names{"lRootKey", "sSubKey", "sValueName", "sValue"})
       .Method<&TKSystemUtils::ReadRegistryStringValue>("ReadRegistryStringValue",
-                                                       Names{"lRootKey", "sSubKey", "sValueName", "pValue"})
+                                                       Names{"lRootKey", "sSubKey", "sValueName", "pValue"}, Out<4>{})
       .Method<&TKSystemUtils::DoesFileExist>("DoesFileExist", Names{"Filename"})
-      .Method<&TKSystemUtils::SetLocaleDLL>("SetLocaleDLL", Names{"strMainDllName", "strProjectName"})
+      .Method<&TKSystemUtils::SetLocaleDLL>("SetLocaleDLL", Names{"strMainDllName", "strProjectName"}, Out<1>{})
       .Get<&TKSystemUtils::SystemDefaultLCID>("SystemDefaultLCID")
       .Get<&TKSystemUtils::DefaultSystemFont>("DefaultSystemFont")
       .Method<&TKSystemUtils::SetDefaultSystemFont>("SetDefaultSystemFont", Names{"objForm", "bKeepProperties"})
       .Method<&TKSystemUtils::ReadRegistryLongValue>("ReadRegistryLongValue",
-                                                     Names{"lRootKey", "sSubKey", "sValueName", "pValue"})
+                                                     Names{"lRootKey", "sSubKey", "sValueName", "pValue"}, Out<4>{})
       .Method<&TKSystemUtils::SetRegistryLongValue>("SetRegistryLongValue",
                                                     Names{"lRootKey", "sSubKey", "sValueName", "pValue"})
       .Get<&TKSystemUtils::OperatingSystem>("OperatingSystem")

@@ -47,11 +47,11 @@ std::string Read(std::int32_t root, const std::string& key, std::string_view nam
 }  // namespace
 
 void DialogUtils::Describe(ClassBuilder<DialogUtils>& b) {
-  b.Method<&DialogUtils::GetStartPosition>("GetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"})
+  b.Method<&DialogUtils::GetStartPosition>("GetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"}, Out<2, 3>{})
       .Method<&DialogUtils::SetStartPosition>("SetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"})
       .Set<&DialogUtils::SetPage>("Page", Names{"objPage"})
-      .Method<&DialogUtils::GetCLSID>("GetCLSID", Names{"intDialog", "lngError"})
-      .Method<&DialogUtils::GetCLSIDOfClass>("GetCLSIDOfClass", Names{"Class", "lngError"})
+      .Method<&DialogUtils::GetCLSID>("GetCLSID", Names{"intDialog", "lngError"}, Out<2>{})
+      .Method<&DialogUtils::GetCLSIDOfClass>("GetCLSIDOfClass", Names{"Class", "lngError"}, Out<2>{})
       .Method<&DialogUtils::QueryTool>("QueryTool", Names{"objShape"});
 }
 
