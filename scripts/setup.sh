@@ -12,7 +12,7 @@ packages=(
   qt6-base-dev xvfb xauth
 )
 if [ "${1:-}" = "--windows" ]; then
-  packages+=(mingw-w64 mingw-w64-tools wine wine64 netpbm)
+  packages+=(mingw-w64 mingw-w64-tools wine wine64 fonts-wine netpbm)
   wow64=1
 fi
 

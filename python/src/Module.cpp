@@ -1,4 +1,5 @@
 // The extension module tessarkao._core: everything the package exports.
+#include <cstdlib>
 #include <pybind11/stl.h>
 
 #include "Proxy.hpp"
@@ -46,6 +47,9 @@ PYBIND11_MODULE(_core, m) {
   m.doc() = "The TessarkAO automation library: library classes created by identifier and "
             "called late-bound by member name.";
   LibraryClasses();  // installs the catalogue of the library's classes
+  // Scripts drive the dialogs through tk.ui: headless unless the caller
+  // asks for windows (TESSARKAO_UI=windows) before the module loads.
+  ::setenv("TESSARKAO_UI", "headless", 0);
 
   RegisterErrors(m);
   RegisterValues(m);

@@ -92,6 +92,8 @@ class DialogWindow {
   virtual void OnNotify(const NMHDR&) {}
   virtual void OnSize() {}
   virtual void OnClose() = 0;
+  // The smallest size a resizable dialog may be dragged to, in dialog units.
+  virtual SIZE MinimumSize() const { return SIZE{0, 0}; }
 
   HWND Item(int id) const { return GetDlgItem(dialog_, id); }
 
@@ -145,14 +147,14 @@ class DialogWindow {
           self->OnInit();
           return TRUE;
         case WM_COMMAND: self->OnCommand(LOWORD(wParam), HIWORD(wParam)); return TRUE;
-        case WM_NOTIFY: self->OnNotify(*reinterpret_cast<const NMHDR*>(lParam)); return TRUE;
-        case WM_SIZE: self->OnSize(); return TRUE;
+        case WM_NOTIFY: self->OnNotify(*reinterpret_cast<const NMHDR*>(lParam)); return FALSE;
+        case WM_SIZE: self->OnSize(); return FALSE;
         case WM_GETMINMAXINFO:
-          if (self->dialog_) {
+          if (self->dialog_ && self->MinimumSize().cx > 0) {
             auto* info = reinterpret_cast<MINMAXINFO*>(lParam);
-            info->ptMinTrackSize = POINT{self->Px(240, true), self->Px(160, false)};
+            info->ptMinTrackSize = POINT{self->Px(self->MinimumSize().cx, true), self->Px(self->MinimumSize().cy, false)};
           }
-          return TRUE;
+          return FALSE;
         case WM_CLOSE: self->OnClose(); return TRUE;
         default: return FALSE;
       }
@@ -164,14 +166,6 @@ class DialogWindow {
     }
   }
 };
-
-std::wstring TextOf(HWND control) {
-  const int n = GetWindowTextLengthW(control);
-  std::wstring s(static_cast<std::size_t>(n) + 1, L'\0');
-  GetWindowTextW(control, s.data(), n + 1);
-  s.resize(static_cast<std::size_t>(n));
-  return s;
-}
 
 // --- frmImportBSpline -------------------------------------------------------
 
@@ -299,6 +293,8 @@ class TreeBrowserWindow final : public DialogWindow {
     Place(C::cmdOK, client.right - m - buttonW, bottom, buttonW, buttonH);
     InvalidateRect(dialog_, nullptr, TRUE);
   }
+
+  SIZE MinimumSize() const override { return SIZE{240, 160}; }
 
   void OnNotify(const NMHDR& header) override {
     if (header.idFrom != static_cast<UINT_PTR>(C::TreeView) || header.code != TVN_SELCHANGEDW) return;

@@ -9,12 +9,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <cwchar>
 #include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <commctrl.h>
 
 #include "DispatchCall.hpp"
 #include "WineTest.hpp"
@@ -22,6 +21,8 @@
 #include "com/DispatchAdapter.hpp"
 #include "platform/win32/DialogControls.hpp"
 #include "refhost/RefHost.hpp"
+
+#include <commctrl.h>
 
 using namespace TessarkAO;
 using namespace WineTest;
@@ -52,6 +53,14 @@ std::wstring TextOf(HWND h) {
   return buffer;
 }
 
+// Whether a control's text starts with `prefix` (no string temporaries:
+// GCC 12 at -O2 misreads them as freeing a literal).
+bool TextStarts(HWND h, const wchar_t* prefix) {
+  wchar_t buffer[1024] = L"";
+  GetWindowTextW(h, buffer, 1024);
+  return std::wcsncmp(buffer, prefix, std::wcslen(prefix)) == 0;
+}
+
 // A visible top-level window of this process with this caption and, when
 // `control` is given, a control of that identifier.
 HWND TopLevel(const std::wstring& caption, int control) {
@@ -60,35 +69,40 @@ HWND TopLevel(const std::wstring& caption, int control) {
     int control;
     HWND found;
   } s{&caption, control, nullptr};
-  EnumWindows(
-      [](HWND h, LPARAM p) -> BOOL {
-        auto& s = *reinterpret_cast<Search*>(p);
-        DWORD pid = 0;
-        GetWindowThreadProcessId(h, &pid);
-        if (pid != GetCurrentProcessId() || !IsWindowVisible(h) || TextOf(h) != *s.caption) return TRUE;
-        if (s.control && !GetDlgItem(h, s.control)) return TRUE;
-        s.found = h;
-        return FALSE;
-      },
-      reinterpret_cast<LPARAM>(&s));
+  struct Each {
+    static BOOL CALLBACK Window(HWND h, LPARAM p) {
+      auto& s = *reinterpret_cast<Search*>(p);
+      DWORD pid = 0;
+      GetWindowThreadProcessId(h, &pid);
+      if (pid != GetCurrentProcessId() || !IsWindowVisible(h) || TextOf(h) != *s.caption) return TRUE;
+      if (s.control && !GetDlgItem(h, s.control)) return TRUE;
+      s.found = h;
+      return FALSE;
+    }
+  };
+  EnumWindows(&Each::Window, reinterpret_cast<LPARAM>(&s));
   return s.found;
 }
 
-// The file-open dialog: the one top-level window owned by `owner`.
+// The file-open dialog: a dialog window owned by `owner`, with an OK button.
 HWND OwnedBy(HWND owner) {
   struct Search {
     HWND owner, found;
   } s{owner, nullptr};
-  EnumWindows(
-      [](HWND h, LPARAM p) -> BOOL {
-        auto& s = *reinterpret_cast<Search*>(p);
-        if (GetWindow(h, GW_OWNER) == s.owner && IsWindowVisible(h) && IsWindowEnabled(h)) {
-          s.found = h;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&s));
+  struct Each {
+    static BOOL CALLBACK Window(HWND h, LPARAM p) {
+      auto& s = *reinterpret_cast<Search*>(p);
+      wchar_t windowClass[32] = L"";
+      GetClassNameW(h, windowClass, 32);
+      if (GetWindow(h, GW_OWNER) == s.owner && IsWindowVisible(h) && std::wcscmp(windowClass, L"#32770") == 0 &&
+          GetDlgItem(h, IDOK)) {
+        s.found = h;
+        return FALSE;
+      }
+      return TRUE;
+    }
+  };
+  EnumWindows(&Each::Window, reinterpret_cast<LPARAM>(&s));
   return s.found;
 }
 
@@ -129,9 +143,20 @@ void Capture(HWND window, const std::string& name) {
 // Chooses the cam track in the file-open dialog: the name typed into its
 // file-name box character by character, then its OK button.
 void ChooseFile(HWND fileDialog) {
-  HWND box = GetDlgItem(fileDialog, 0x47C);  // the file-name combo box
-  HWND edit = box ? FindWindowExW(box, nullptr, L"Edit", nullptr) : GetDlgItem(fileDialog, 0x480);
+  // The file-name box: the edit field inside its combo box.
+  struct Each {
+    static BOOL CALLBACK Control(HWND h, LPARAM found) {
+      wchar_t name[16] = L"";
+      GetClassNameW(h, name, 16);
+      if (std::wcscmp(name, L"Edit") != 0) return TRUE;
+      *reinterpret_cast<HWND*>(found) = h;
+      return FALSE;
+    }
+  };
+  HWND edit = nullptr;
+  EnumChildWindows(fileDialog, &Each::Control, reinterpret_cast<LPARAM>(&edit));
   CHECK(edit != nullptr);
+  if (!edit) return;
   SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L""));
   for (wchar_t c : g_camTrack) SendMessageW(edit, WM_CHAR, c, 0);
   CHECK(TextOf(edit) == g_camTrack);
@@ -178,7 +203,13 @@ std::vector<RefHost::JournalEntry> Import(Host& host, const std::function<void(H
   std::thread driver([&] {
     HWND dialog = WaitFor([] { return TopLevel(L"B-Spline Import", C::cmdBrowse); });
     CHECK(dialog != nullptr);
-    if (dialog) drive(dialog);
+    if (!dialog) return;
+    drive(dialog);
+    // A dialog the drive left open would keep the server waiting.
+    if (!WaitUntil([&] { return !IsWindow(dialog); })) {
+      CHECK(!"the import dialog is still open");
+      PostMessageW(dialog, WM_CLOSE, 0, 0);
+    }
   });
   IDispatch* app = Com::AdapterOf(host.app);
   CallResult r;
@@ -219,7 +250,7 @@ TEST_CASE("import dialog: Browse, the cam track, Import creates the path") {
     CHECK(TextOf(GetDlgItem(dialog, C::cmdOK)) == L"Import");
     CHECK(TextOf(GetDlgItem(dialog, C::cmdCancel)) == L"Cancel");
     CHECK(TextOf(GetDlgItem(dialog, C::fraFilename)) == L"File");
-    CHECK(TextOf(GetDlgItem(dialog, C::lblDescription)).rfind(L"Specify the file", 0) == 0);
+    CHECK(TextStarts(GetDlgItem(dialog, C::lblDescription), L"Specify the file"));
     Capture(dialog, "windows-import-dialog");
     BrowseForCamTrack(dialog);
     Capture(dialog, "windows-import-dialog-file-chosen");
@@ -263,8 +294,11 @@ TEST_CASE("scene viewer: GetCLSID(707, 808) shows the page; the lists follow the
     HWND tree = GetDlgItem(dialog, C::TreeView);
     HWND parts = GetDlgItem(dialog, C::lstComponents), details = GetDlgItem(dialog, C::lstVariables);
     // Depth first through the tree for the first item whose label starts so.
-    auto find = [&](const std::wstring& prefix) {
-      std::vector<HTREEITEM> stack{TreeView_GetRoot(tree)};
+    auto next = [&](HTREEITEM item, WPARAM which) {
+      return reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, which, reinterpret_cast<LPARAM>(item)));
+    };
+    auto find = [&](const wchar_t* prefix) {
+      std::vector<HTREEITEM> stack{next(nullptr, TVGN_ROOT)};
       while (!stack.empty()) {
         HTREEITEM item = stack.back();
         stack.pop_back();
@@ -276,9 +310,9 @@ TEST_CASE("scene viewer: GetCLSID(707, 808) shows the page; the lists follow the
         tv.pszText = text;
         tv.cchTextMax = 256;
         SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&tv));
-        if (std::wstring(text).rfind(prefix, 0) == 0) return item;
-        stack.push_back(TreeView_GetNextSibling(tree, item));
-        stack.push_back(TreeView_GetChild(tree, item));
+        if (std::wcsncmp(text, prefix, std::wcslen(prefix)) == 0) return item;
+        stack.push_back(next(item, TVGN_NEXT));
+        stack.push_back(next(item, TVGN_CHILD));
       }
       return HTREEITEM(nullptr);
     };
@@ -300,7 +334,7 @@ TEST_CASE("scene viewer: GetCLSID(707, 808) shows the page; the lists follow the
     CHECK(SendMessageW(parts, LB_GETCOUNT, 0, 0) >= 3);
     SendMessageW(parts, LB_SETCURSEL, 0, 0);
     SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(C::lstComponents, LBN_SELCHANGE), reinterpret_cast<LPARAM>(parts));
-    CHECK(TextOf(GetDlgItem(dialog, C::lblStatus)).rfind(L"Active Component : ", 0) == 0);
+    CHECK(TextStarts(GetDlgItem(dialog, C::lblStatus), L"Active Component : "));
 
     // A larger window gives the tree and the lists the room.
     RECT before{}, after{};
@@ -331,6 +365,14 @@ int main(int argc, char** argv) {
     std::printf("usage: com_dialogs_test EXAMPLES_DATA_FOLDER [SCREENS_FOLDER [CASE]]\n");
     return 2;
   }
+  // Should a dialog never close, the server would wait for ever: the run
+  // ends with a failure instead.
+  std::thread([] {
+    std::this_thread::sleep_for(std::chrono::seconds(90));
+    std::printf("FAIL the dialogs did not close within 90 seconds\n");
+    std::fflush(stdout);
+    ExitProcess(3);
+  }).detach();
   g_data = argv[1];
   g_camTrack = Win32::Widen(g_data + "\\cam_track.txt");
   if (argc > 2) g_screens = argv[2];
