@@ -1,11 +1,13 @@
 // The extension module tessarkao._core: everything the package exports.
 #include <pybind11/stl.h>
 
+#include "Docs.hpp"
 #include "Proxy.hpp"
 #include "Signatures.hpp"
 #include "Values.hpp"
 #include "automation/Catalogue.hpp"
 #include "frame/ClassCatalogue.hpp"
+#include "tessarkao/Version.hpp"
 
 namespace TessarkAO::Python {
 
@@ -46,10 +48,12 @@ PYBIND11_MODULE(_core, m) {
   m.doc() = "The TessarkAO automation library: library classes created by identifier and "
             "called late-bound by member name.";
   LibraryClasses();  // installs the catalogue of the library's classes
+  m.attr("__version__") = TESSARKAO_VERSION_STRING;
 
   RegisterErrors(m);
   RegisterValues(m);
   RegisterProxy(m);
+  RegisterDocs(m);
   RegisterUi(m);
 #ifdef TK_WITH_REFHOST
   RegisterRefHost(m);

@@ -46,7 +46,8 @@ def test_methods_take_optional_and_named_arguments(sample):
     assert (x.value, y.value, z.value) == (7.0, 0.0, 8.0)
     assert sample.Omitted() is True and sample.Omitted(tk.Missing) is True and sample.Omitted(0) is False
     assert sample.SetPosition.__doc__ == "SetPosition(dblX: Double, [dblY: Double = 0], [dblZ: Double = 0])"
-    assert sample.GetPosition.__doc__ == "GetPosition(ByRef X: Double, ByRef Y: Double, ByRef Z: Double)"
+    assert sample.GetPosition.__doc__ == ("GetPosition(ByRef X: Double, ByRef Y: Double, ByRef Z: Double)\n"
+                                          "Outputs (pass a tk.Ref): X, Y, Z.")
     # A trailing variable-length argument list takes every remaining argument.
     assert sample.Join("-") == "" and sample.Join("-", 1, "b", 2.5) == "1-b-2.5"
     assert sample.Join.__doc__ == "Join(strSeparator: String, ParamArray varItems()) -> String"
