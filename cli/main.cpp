@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Command.hpp"
+#include "platform/Registry.hpp"
 
 namespace TessarkAO::Cli {
 int RunScript(const std::vector<std::string>& args);
@@ -22,6 +23,8 @@ int TreeRun(const std::vector<std::string>& args);
 extern const std::string_view kTreeUsage;
 int RegRun(const std::vector<std::string>& args);
 extern const std::string_view kRegUsage;
+int ViewRun(const std::vector<std::string>& args);
+extern const std::string_view kViewUsage;
 }  // namespace TessarkAO::Cli
 
 namespace {
@@ -33,6 +36,7 @@ const Command kCommands[] = {
     {"tree", "print the scene viewer's tree of a scene file", kTreeUsage, &TreeRun},
     {"reg", "import, export, read and write the registry store", kRegUsage, &RegRun},
     {"import-bspline", "import a fit-point file as a B-spline into a scene", kImportUsage, &ImportBSplineRun},
+    {"view", "show the scene viewer on a scene file (needs a display)", kViewUsage, &ViewRun},
     {"export-bom", "write a bill of materials from a CSV file to an .xlsx workbook", kExportUsage, &ExportBomRun},
 };
 
@@ -46,7 +50,7 @@ void PrintOverview(std::FILE* out) {
   for (const Command& c : kCommands)
     std::fprintf(out, "  %-16.*s %.*s\n", static_cast<int>(c.name.size()), c.name.data(),
                  static_cast<int>(c.summary.size()), c.summary.data());
-  std::fprintf(out, "\n'tktools <command> --help' describes a command.\n");
+  std::fprintf(out, "\n'tktools <command> --help' describes a command; 'tktools --version' names the version.\n");
 }
 
 }  // namespace
@@ -59,6 +63,10 @@ int main(int argc, char** argv) {
   }
   if (args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
     PrintOverview(stdout);
+    return 0;
+  }
+  if (args[0] == "--version") {
+    std::printf("tktools (TessarkAO) %s\n", TK_VERSION);
     return 0;
   }
   const Command* command = nullptr;
@@ -77,6 +85,11 @@ int main(int argc, char** argv) {
     }
   }
   const std::string name(command->name);
+  // Whatever the command wrote to the registry store is in the store's main
+  // file when it ends, even if it fails.
+  struct FlushStore {
+    ~FlushStore() { TessarkAO::FlushRegistry(); }
+  } flushStore;
   try {
     return command->run(args);
   } catch (const UsageError& e) {

@@ -137,6 +137,8 @@ for test in tests/com/wine/*.vbs; do
   fi
 done
 
+note "dialogs on a virtual display"; out=$(scripts/windows-dialogs.sh "$bin" out/screens); echo "$out"; count "$out"
+
 note "dispatch benchmark"
 run_wine "$bin/com_dispatch_bench.exe" || fail_step "com_dispatch_bench"
 
