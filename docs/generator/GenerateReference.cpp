@@ -172,9 +172,11 @@ std::string Stubs(const std::vector<std::pair<const ClassRecord*, const ClassInf
       "from typing import Any, Literal, overload\n"
       "import enum\n\n"
       "from ._core import *\n"
-      "from ._core import Byte, Currency, EmptyType, Integer, MissingType, NullType, Object, Single, "
+      "from ._core import Byte, Currency, EmptyType, Integer, MissingType, NullType, Object, Ref, Single, "
       "TypedValue, Variant, __version__\n\n"
-      "_Value = TypedValue | Variant | EmptyType | NullType | MissingType\n";
+      "# What any argument may also be: a typed value, a raw variant, a special\n"
+      "# variant, or a tk.Ref (a by-reference argument).\n"
+      "_Value = TypedValue | Variant | EmptyType | NullType | MissingType | Ref\n";
   for (const EnumInfo& e : Enumerations()) {
     s += "\nclass " + std::string(e.name) + "(enum.IntEnum):\n";
     for (const EnumConstant& c : e.constants) s += "    " + std::string(c.name) + " = " + std::to_string(c.value) + "\n";

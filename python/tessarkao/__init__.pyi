@@ -3,9 +3,11 @@ from typing import Any, Literal, overload
 import enum
 
 from ._core import *
-from ._core import Byte, Currency, EmptyType, Integer, MissingType, NullType, Object, Single, TypedValue, Variant, __version__
+from ._core import Byte, Currency, EmptyType, Integer, MissingType, NullType, Object, Ref, Single, TypedValue, Variant, __version__
 
-_Value = TypedValue | Variant | EmptyType | NullType | MissingType
+# What any argument may also be: a typed value, a raw variant, a special
+# variant, or a tk.Ref (a by-reference argument).
+_Value = TypedValue | Variant | EmptyType | NullType | MissingType | Ref
 
 class EHoleInformationFlags(enum.IntEnum):
     DisplayInfoExtent = 1
