@@ -21,9 +21,11 @@ expect="$(sed -n 's/^project(TessarkAO VERSION \([0-9.]*\).*/\1/p' "$source/CMak
 # find_package, linked with --as-needed.
 cmake -S "$source/tests/package/consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
   -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="-Wl,--as-needed $flags" >/dev/null
-cmake --build "$work/consumer" >/dev/null
+cmake --build "$work/consumer" >"$work/build.log" || { cat "$work/build.log"; exit 1; }
 out=$("$work/consumer/consumer" 2>&1) || true
 [ "$out" = "$expect" ] || { echo "find_package program printed '$out', expected '$expect'"; exit 1; }
+out=$("$work/consumer/consumer_runtime_only" 2>&1) || true
+[ "$out" = 13 ] || { echo "find_package program without the umbrella header printed '$out'"; exit 1; }
 out=$("$work/consumer/consumer_refhost" 2>&1) || true
 [ "$out" = Scene1 ] || { echo "refhost program printed '$out'"; exit 1; }
 
@@ -34,6 +36,11 @@ g++ -std=c++20 $flags "$source/tests/package/consumer/main.cpp" -o "$work/pc" \
   -Wl,--as-needed $(pkg-config --cflags --libs tessarkao) -Wl,-rpath,"$prefix/lib"
 out=$("$work/pc" 2>&1) || true
 [ "$out" = "$expect" ] || { echo "pkg-config program printed '$out', expected '$expect'"; exit 1; }
+# shellcheck disable=SC2046,SC2086
+g++ -std=c++20 $flags "$source/tests/package/consumer/runtime_only.cpp" -o "$work/pc_runtime_only" \
+  -Wl,--as-needed $(pkg-config --cflags --libs tessarkao) -Wl,-rpath,"$prefix/lib"
+out=$("$work/pc_runtime_only" 2>&1) || true
+[ "$out" = 13 ] || { echo "pkg-config program without the umbrella header printed '$out'"; exit 1; }
 
 # Python: the package sits in the interpreter's platform folder under the
 # prefix, the one the interpreter searches under /usr/local.
