@@ -6,6 +6,7 @@
 
 #include "Command.hpp"
 #include "Streams.hpp"
+#include "automation/Call.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Members.hpp"
 #include "platform/UserInterface.hpp"
@@ -138,7 +139,7 @@ int ImportBSplineCommand(const std::vector<std::string>& raw) {
   ui->QueueButton("Import");
   Ref<Object> imports = CreateObject("TessarkAO.TKImports");
   Variant call[] = {Variant(app)};
-  imports->Invoke("ImportBSpline", CallKind::Method, call);
+  Call(*imports, "ImportBSpline", CallKind::Method, call);
   const std::string problems = ExclamationsSince(before);
   if (!problems.empty()) throw CommandError(problems);
   if (ui->Messages().size() == before) throw CommandError("the file cannot be opened or holds no valid points");
@@ -220,10 +221,10 @@ class CsvTable final : public Dispatch<CsvTable> {
         .Get<&CsvTable::Flags>("Flags")
         .Get<&CsvTable::Rows>("Rows")
         .Get<&CsvTable::Columns>("Columns")
-        .Method<&CsvTable::GetCellData>("GetCellData", Names{"Row", "Column"})
-        .Method<&CsvTable::GetFontName>("GetFontName", Names{"Row", "Column"})
-        .Method<&CsvTable::GetFontSize>("GetFontSize", Names{"Row", "Column"})
-        .Method<&CsvTable::GetFontFormat>("GetFontFormat", Names{"Row", "Column"});
+        .Method<&CsvTable::GetCellData>("GetCellData", Names{"Row", "Column"}, Out<1, 2>{})
+        .Method<&CsvTable::GetFontName>("GetFontName", Names{"Row", "Column"}, Out<1, 2>{})
+        .Method<&CsvTable::GetFontSize>("GetFontSize", Names{"Row", "Column"}, Out<1, 2>{})
+        .Method<&CsvTable::GetFontFormat>("GetFontFormat", Names{"Row", "Column"}, Out<1, 2>{});
   }
   CsvTable(std::vector<std::vector<std::string>> rows, std::string file)
       : rows_(std::move(rows)), file_(std::move(file)) {
@@ -270,7 +271,7 @@ int ExportBomCommand(const std::vector<std::string>& raw) {
   const std::size_t before = ui ? ui->Messages().size() : 0;
   Ref<Object> exports = CreateObject("TessarkAO.TKExports");
   Variant call[] = {Variant(table)};
-  exports->Invoke("ExportBOMToExcel", CallKind::Method, call);
+  Call(*exports, "ExportBOMToExcel", CallKind::Method, call);
   if (ui) {
     const std::string problems = ExclamationsSince(before);
     if (!problems.empty()) throw CommandError(problems);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Command.hpp"
+#include "automation/AutomationError.hpp"
 #include "platform/Registry.hpp"
 
 namespace TessarkAO::Cli {
@@ -95,8 +96,13 @@ int main(int argc, char** argv) {
   } catch (const UsageError& e) {
     std::fprintf(stderr, "tktools %s: %s (see tktools %s --help)\n", name.c_str(), e.what(), name.c_str());
     return 2;
-  } catch (const std::exception& e) {
+  } catch (const CommandError& e) {
     std::fprintf(stderr, "tktools %s: %s\n", name.c_str(), e.what());
+    return 1;
+  } catch (...) {
+    const TessarkAO::AutomationError e = TessarkAO::CurrentError();
+    std::fprintf(stderr, "tktools %s: %s (error %d)\n", name.c_str(), e.Description().c_str(),
+                 static_cast<int>(e.Number()));
     return 1;
   }
 }

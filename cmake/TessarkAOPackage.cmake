@@ -1,5 +1,6 @@
 # Installation and packages of the native library: the version header,
-# versioned shared objects (libtessarkao.so.1), the public headers under
+# versioned shared objects (libtessarkao.so.1, which holds the automation
+# runtime with the classes), the public headers under
 # include/tessarkao/ with the umbrella header <tessarkao/TessarkAO.hpp>, the
 # CMake package TessarkAO (targets TessarkAO::tessarkao and TessarkAO::refhost)
 # and the pkg-config file tessarkao.pc.  Included last from the top
@@ -11,12 +12,12 @@ set(TK_GENERATED_INCLUDE_DIR ${PROJECT_BINARY_DIR}/generated)
 
 # <tessarkao/Version.hpp>: the one version of the project, for C++ code.
 configure_file(${CMAKE_CURRENT_LIST_DIR}/Version.hpp.in ${TK_GENERATED_INCLUDE_DIR}/tessarkao/Version.hpp @ONLY)
-target_include_directories(tessarkao_automation PUBLIC
+target_include_directories(tessarkao INTERFACE
   $<BUILD_INTERFACE:${TK_GENERATED_INCLUDE_DIR}>
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
 # The shared objects carry the major version as their SONAME.
-set(TK_PACKAGE_LIBRARIES tessarkao_automation tessarkao)
+set(TK_PACKAGE_LIBRARIES tessarkao)
 if(TARGET tessarkao_refhost)
   list(APPEND TK_PACKAGE_LIBRARIES tessarkao_refhost)
   target_include_directories(tessarkao_refhost PUBLIC
@@ -25,7 +26,6 @@ if(TARGET tessarkao_refhost)
 endif()
 set_target_properties(${TK_PACKAGE_LIBRARIES} PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-set_target_properties(tessarkao_automation PROPERTIES EXPORT_NAME automation)
 
 install(TARGETS ${TK_PACKAGE_LIBRARIES} EXPORT TessarkAOTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
@@ -51,7 +51,6 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/TessarkAOConfig.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/TessarkAOConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/TessarkAOConfig.cmake ${PROJECT_BINARY_DIR}/TessarkAOConfigVersion.cmake
-  ${CMAKE_CURRENT_LIST_DIR}/KeepLibraryLoaded.cpp
   DESTINATION ${TK_PACKAGE_CMAKE_DIR} COMPONENT development)
 
 # The pkg-config file.

@@ -53,13 +53,3 @@
 #include "tools/DialogUtils.hpp"
 #include "tools/TKExports.hpp"
 #include "tools/TKImports.hpp"
-
-namespace TessarkAO::Detail {
-// The classes register themselves with CreateObject when libtessarkao loads.
-// A program that only calls CreateObject (a function of the runtime library)
-// references nothing in libtessarkao, and a linker run with --as-needed would
-// drop the library: CreateObject would then answer 429 for every class.  This
-// reference, kept in every program that includes this header, makes the
-// library needed.
-[[gnu::used]] static std::span<const ClassRecord> (*const kKeepLibraryLoaded)() = &LibraryClasses;
-}  // namespace TessarkAO::Detail

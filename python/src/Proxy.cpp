@@ -10,6 +10,7 @@
 
 #include "Docs.hpp"
 #include "Signatures.hpp"
+#include "automation/Call.hpp"
 #include "automation/Convert.hpp"
 
 namespace TessarkAO::Python {
@@ -67,14 +68,6 @@ DispId LookupId(Object* o, const ClassInfo* cls, PyObject* name, std::string_vie
   return id;
 }
 
-// A property read at once on attribute access: no arguments to give.
-bool ReadsAtOnce(const MemberInfo& m) {
-  if (m.isMethod) return false;
-  if (m.get) return m.get.params.empty();
-  const Accessor& put = m.let ? m.let : m.set;
-  return put.params.size() <= 1;  // write-only: reading raises 438 as it should
-}
-
 std::string_view Utf8(PyObject* str) {
   Py_ssize_t n = 0;
   const char* s = PyUnicode_AsUTF8AndSize(str, &n);
@@ -84,24 +77,17 @@ std::string_view Utf8(PyObject* str) {
 
 // ----- Calls -------------------------------------------------------------------------
 
-// Places keyword arguments by parameter name (case-insensitive); the gaps
-// they leave are omitted optional arguments.
+// Places keyword arguments at their parameters' positions; the gaps they
+// leave are omitted optional arguments.
 std::vector<PyObject*> MergeKeywords(const MemberInfo* m, CallKind kind, PyObject* const* items, std::size_t n,
                                      PyObject* kwargs) {
   std::vector<PyObject*> merged(items, items + n);
-  const Accessor* acc = nullptr;
-  if (m) acc = (kind == CallKind::Let || kind == CallKind::Set) ? (m->let ? &m->let : &m->set) : &m->get;
-  if (!acc || !*acc) throw py::type_error("named arguments need a member with named parameters");
   PyObject* key = nullptr;
   PyObject* value = nullptr;
   Py_ssize_t pos = 0;
   while (PyDict_Next(kwargs, &pos, &key, &value)) {
     const std::string_view kw = Utf8(key);
-    std::size_t index = acc->params.size();
-    for (std::size_t i = 0; i < acc->params.size(); ++i)
-      if (EqualsNoCase(acc->params[i].name, kw)) index = i;
-    if (index == acc->params.size())
-      throw AutomationError(448, "Named argument not found: " + std::string(kw));
+    const std::size_t index = NamedPosition(m, kind, kw);
     if (index >= merged.size()) merged.resize(index + 1, nullptr);
     if (merged[index]) throw py::type_error("argument " + std::string(kw) + " given twice");
     merged[index] = value;
@@ -124,11 +110,11 @@ PyObject* CallMember(Object* o, DispId id, const MemberInfo* m, CallKind kind, P
     CallArgs args(items, n);
     if (value) {
       args.Append(value);
-      kind = args.Span().back().IsObject() ? CallKind::Set : CallKind::Let;
+      kind = AssignmentKind(args.Span().back());
     }
     Variant r;
     try {
-      r = o->InvokeId(id, kind, args.Span());
+      r = Call(*o, id, kind, args.Span());
     } catch (...) {
       try {
         args.WriteBack();
@@ -194,10 +180,9 @@ PyObject* ProxyGetAttr(PyObject* self, PyObject* name) {
       return nullptr;
     }
     const MemberInfo* m = cls ? cls->Member(id) : nullptr;
-    if (m && !ReadsAtOnce(*m)) return NewBound(self, id, m, name);
-    Ref<Object> keep(o);
+    if (m && !IsPlainProperty(*m)) return NewBound(self, id, m, name);
     try {
-      return FromVariant(o->InvokeId(id, CallKind::Get, {})).release().ptr();
+      return FromVariant(Call(*o, id, CallKind::Get, {})).release().ptr();
     } catch (const AutomationError& e) {
       // A member the table does not describe and that wants arguments is
       // handed out bound, to be called or indexed.
@@ -336,7 +321,7 @@ void BoundDealloc(PyObject* self) {
 
 PyObject* BoundCall(PyObject* self, PyObject* args, PyObject* kwargs) {
   BoundObject* b = Bound(self);
-  const CallKind kind = b->member && !b->member->isMethod ? CallKind::Get : CallKind::Method;
+  const CallKind kind = ResolveKind(b->member, CallKind::Method);
   return CallMember(Target(b->owner), b->id, b->member, kind, &PyTuple_GET_ITEM(args, 0),
                     static_cast<std::size_t>(PyTuple_GET_SIZE(args)), kwargs, nullptr);
 }
@@ -479,13 +464,12 @@ void CallArgs::WriteBack() {
 }
 
 Variant InvokeRaw(Object& object, py::handle nameOrId, CallKind kind, CallArgs& args) {
-  Ref<Object> keep(&object);
   Variant r;
   try {
     if (PyLong_Check(nameOrId.ptr()))
-      r = object.InvokeId(nameOrId.cast<DispId>(), kind, args.Span());
+      r = Call(object, nameOrId.cast<DispId>(), kind, args.Span());
     else
-      r = object.Invoke(py::str(nameOrId).cast<std::string>(), kind, args.Span());
+      r = Call(object, py::str(nameOrId).cast<std::string>(), kind, args.Span());
   } catch (...) {
     try {
       args.WriteBack();

@@ -22,7 +22,7 @@
 #include "builders/BuilderSteps.hpp"
 #include "frame/Globals.hpp"
 #include "frame/StringTable.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 

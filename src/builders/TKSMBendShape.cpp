@@ -3,7 +3,7 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Enumerations.hpp"
 #include "builders/BuilderSteps.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 

@@ -1,6 +1,7 @@
 #include "builders/TKSMConicShape.hpp"
 
 #include "automation/AutomationError.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 
@@ -45,7 +46,7 @@ void TKSMConicShape::LetThickness(double thickness) {
 namespace {
 // Sends one of the conic's named parameters.
 void LetNamedVariable(const Variant& component, std::string_view name, double value) {
-  const Variant variable = Globals::FindHostVariable(component, name);
+  const Variant variable = Host::FindVariable(component, name);
   if (variable.IsNothing())
     Raise(Err::NoSuchMember,
           "The host's sheet-metal component has no variable \"" + std::string(name) + "\"");

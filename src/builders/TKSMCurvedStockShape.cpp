@@ -7,7 +7,7 @@
 namespace TessarkAO {
 
 namespace {
-constexpr double kFullTurn = 2 * 3.14159265358979;
+constexpr double kFullTurn = 2 * kPi;
 }
 
 void TKSMCurvedStockShape::Describe(ClassBuilder<TKSMCurvedStockShape>& b) {

@@ -10,6 +10,7 @@
 
 #include <new>
 
+#include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
 #include "com/ClassFactory.hpp"
 #include "com/ComServer.hpp"
@@ -75,10 +76,8 @@ extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid,
     const HRESULT hr = factory->QueryInterface(riid, out);
     factory->Release();
     return hr;
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
   } catch (...) {
-    return E_UNEXPECTED;
+    return static_cast<HRESULT>(CurrentError().HResult());
   }
 }
 

@@ -13,7 +13,7 @@ void Localizer::Describe(ClassBuilder<Localizer>& b) {
 
 std::string Localizer::LoadString(std::int32_t id) {
   if (auto text = LoadStringResource(id)) return std::move(*text);
-  throw AutomationError(326, "Resource with identifier '" + std::to_string(id) + "' not found");
+  throw AutomationError(Err::ResourceNotFound, "Resource with identifier '" + std::to_string(id) + "' not found");
 }
 
 }  // namespace TessarkAO

@@ -23,7 +23,7 @@ void TK2DLine::Describe(ClassBuilder<TK2DLine>& b) {
           Doc{"Defines the line through two points; two equal points change nothing. Returns False in every "
               "case, also after a successful definition, deliberately."})
       .Method<&TK2DLine::GetIntersectionPoint>(
-          "GetIntersectionPoint", Names{"Line", "X", "Y"},
+          "GetIntersectionPoint", Names{"Line", "X", "Y"}, Out<2, 3>{},
           Doc{"Writes the crossing with Line into X and Y and returns True; returns False with X and Y "
               "untouched when the slopes are equal or both lines are vertical. Line is read through its "
               "Slope, Intercept and IsVertical."});

@@ -24,7 +24,7 @@ void TKMatrix4d::Describe(ClassBuilder<TKMatrix4d>& b) {
                                  "any other shape changes nothing, deliberately. No clean-up."})
       .Method<&M::Copy>("Copy", Names{"Matrix4d"}, Doc{"The same as CopyFromIUnknown."})
       .Method<&M::GetAxisAndAngle>(
-          "GetAxisAndAngle", Names{"VecX", "VecY", "VecZ", "Degrees"},
+          "GetAxisAndAngle", Names{"VecX", "VecY", "VecZ", "Degrees"}, Out<1, 2, 3, 4>{},
           Doc{"Writes the unit axis and the angle in degrees (0 to 180) of the rotation in the upper-left "
               "block, in the sense of SetRotationAboutArbitraryAxis; no rotation gives 0 about (0, 0, 1)."})
       .Get<&M::Adjoint>("Adjoint", Doc{"A new matrix holding the adjoint (transposed cofactor matrix)."})
@@ -45,21 +45,21 @@ void TKMatrix4d::Describe(ClassBuilder<TKMatrix4d>& b) {
       .Method<&M::MultiplyByMatrix>("MultiplyByMatrix", Names{"Matrix4d"},
                                     Doc{"A new matrix Me x Matrix4d (Epsilon 1e-9); Me unchanged."})
       .Method<&M::MultiplyTwoMatrices>(
-          "MultiplyTwoMatrices", Names{"dblMatrixOne", "dblMatrixTwo", "dblResultMatrix"},
+          "MultiplyTwoMatrices", Names{"dblMatrixOne", "dblMatrixTwo", "dblResultMatrix"}, Out<3>{},
           Doc{"Multiplies two 4x4 Double arrays into dblResultMatrix (array form of MultiplyByMatrix)."})
-      .Method<&M::SetMatricesEqual>("SetMatricesEqual", Names{"dblToMatrix", "dblFromMatrix"},
+      .Method<&M::SetMatricesEqual>("SetMatricesEqual", Names{"dblToMatrix", "dblFromMatrix"}, Out<1>{},
                                     Doc{"Copies the 4x4 array dblFromMatrix into dblToMatrix."})
       .Method<&M::MakeIdentity>("MakeIdentity", Doc{"Sets the identity matrix."})
       .Method<&M::SetScaling>("SetScaling", Names{"X", "Y", "Z", "ApplyToCurrent"}, Opt{false},
                               Doc{"S = diagonal (X, Y, Z, 1); with ApplyToCurrent Me = Me x S, otherwise Me "
                                   "= S (translation included). Then clean-up."})
-      .Method<&M::GetScaling>("GetScaling", Names{"X", "Y", "Z"},
+      .Method<&M::GetScaling>("GetScaling", Names{"X", "Y", "Z"}, Out<1, 2, 3>{},
                               Doc{"Writes the diagonal scale factors M(0,0), M(1,1), M(2,2) into X, Y, Z."})
       .Method<&M::SetTranslation>(
           "SetTranslation", Names{"X", "Y", "Z", "ApplyToCurrent"}, Opt{false},
           Doc{"With ApplyToCurrent Me = T x Me (T the move by X, Y, Z, in Me's local frame); otherwise only "
               "the translation row is overwritten. Then clean-up."})
-      .Method<&M::GetTranslation>("GetTranslation", Names{"X", "Y", "Z"},
+      .Method<&M::GetTranslation>("GetTranslation", Names{"X", "Y", "Z"}, Out<1, 2, 3>{},
                                   Doc{"Writes the translation row M(3,0..2) into X, Y, Z."})
       .Method<&M::SetRotation>(
           "SetRotation", Names{"Axis", "Degrees", "ApplyToCurrent"}, Opt{false},
@@ -78,7 +78,7 @@ void TKMatrix4d::Describe(ClassBuilder<TKMatrix4d>& b) {
           Doc{"Right-handed rotation by Degrees about Vector through the origin; normalises the caller's "
               "Vector in place; a near-zero vector leaves Me as it is. With ApplyToCurrent Me = Me x R, "
               "otherwise Me = R."})
-      .Method<&M::AcquireMatrix>("AcquireMatrix", Names{"dblMatrix"},
+      .Method<&M::AcquireMatrix>("AcquireMatrix", Names{"dblMatrix"}, Out<1>{},
                                  Doc{"Copies the 16 elements into the caller's 4x4 array (bounds 0 to 3); "
                                      "any other shape is left unchanged, deliberately."})
       .Get<&M::Value>("Value", Names{"Row", "Column"},
@@ -88,7 +88,7 @@ void TKMatrix4d::Describe(ClassBuilder<TKMatrix4d>& b) {
                                              Doc{"The matrix's tolerance (default 1e-9): elements below it "
                                                  "in magnitude are set to 0 after most changes."})
       .Method<&M::GetVectorAxisAndAngle>(
-          "GetVectorAxisAndAngle", Names{"Vector", "Degrees"},
+          "GetVectorAxisAndAngle", Names{"Vector", "Degrees"}, Out<2>{},
           Doc{"As GetAxisAndAngle, the axis written into Vector through its SetPosition."})
       .Method<&M::IsMatrixEqual>(
           "IsMatrixEqual", Names{"pMatrix4d"},

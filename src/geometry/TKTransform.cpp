@@ -14,12 +14,13 @@ void TKTransform::Describe(ClassBuilder<TKTransform>& b) {
       .Method<&T::SetPosition>(
           "SetPosition", Names{"X", "Y", "Z"},
           Doc{"Sets the position (X, Y, Z), then clean-up; the local axes are not touched."})
-      .Method<&T::GetPosition>("GetPosition", Names{"X", "Y", "Z"}, Doc{"Writes the position into X, Y, Z."})
+      .Method<&T::GetPosition>("GetPosition", Names{"X", "Y", "Z"}, Out<1, 2, 3>{},
+                               Doc{"Writes the position into X, Y, Z."})
       .Method<&T::SetRotation>("SetRotation", Names{"X", "Y", "Z", "Degrees"},
                                Doc{"Sets the rotation: axis (X, Y, Z), normalised, and Degrees; the local "
                                    "axes are rebuilt from the world axes, then clean-up."})
       .Method<&T::GetRotation>(
-          "GetRotation", Names{"X", "Y", "Z", "Degrees"},
+          "GetRotation", Names{"X", "Y", "Z", "Degrees"}, Out<1, 2, 3, 4>{},
           Doc{"Writes the stored normalised axis and the angle of the last SetRotation."})
       .Method<&T::Shift>("Shift", Names{"X", "Y", "Z"},
                          Doc{"Adds (X, Y, Z) to the position in world directions (no clean-up)."})

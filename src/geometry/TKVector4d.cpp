@@ -36,7 +36,7 @@ void TKVector4d::Describe(ClassBuilder<TKVector4d>& b) {
           Doc{"Me = (X2 - X1, Y2 - Y1, Z2 - Z1). The interleaved argument order is the interface's."})
       .Method<static_cast<void (TKVector4d::*)(double, double, double)>(&TKVector4d::SetPosition)>(
           "SetPosition", Names{"X", "Y", "Z"}, Doc{"Sets X, Y, Z, then clean-up; W untouched."})
-      .Method<&TKVector4d::GetPosition>("GetPosition", Names{"X", "Y", "Z"},
+      .Method<&TKVector4d::GetPosition>("GetPosition", Names{"X", "Y", "Z"}, Out<1, 2, 3>{},
                                         Doc{"Writes X, Y, Z into the three outputs."})
       .Method<&TKVector4d::Rotate>(
           "Rotate", Names{"Axis", "Degrees"},
@@ -60,7 +60,7 @@ void TKVector4d::Describe(ClassBuilder<TKVector4d>& b) {
       .Method<&TKVector4d::AddVector>("AddVector", Names{"Vector"},
                                       Doc{"Adds Vector's X, Y, Z (W untouched), then clean-up."})
       .Method<&TKVector4d::AcquireMatrix>(
-          "AcquireMatrix", Names{"dblMatrix"},
+          "AcquireMatrix", Names{"dblMatrix"}, Out<1>{},
           Doc{"Copies the four components into the caller's one-dimensional array with upper bound 3; any "
               "other array is left unchanged, deliberately."})
       .Get<&TKVector4d::Value>(

@@ -11,6 +11,7 @@ void TK2DProjectedThreads::Describe(ClassBuilder<TK2DProjectedThreads>& b) {
           "GetHoleInformation",
           Names{"bWantAnglesInDegrees", "bHoleDepthIsFinite", "dHoleDepth", "dCounterboreDepth",
                 "dCounterboreDiameter", "dCountersinkDiameter", "dCountersinkAngle", "dBottomAngle"},
+          Out<2, 3, 4, 5, 6, 7, 8>{},
           Doc{"Hole depth and counterbore, countersink and bottom values of the shape; always False with the "
               "outputs untouched."})
       .Get<&TK2DProjectedThreads::HoleInformationFlags>("HoleInformationFlags",
@@ -21,27 +22,28 @@ void TK2DProjectedThreads::Describe(ClassBuilder<TK2DProjectedThreads>& b) {
           "Initialize", Names{"Shape"},
           Doc{"Reads the thread of Shape; always False (the shape is not examined)."})
       .Method<&TK2DProjectedThreads::GetDiameters>(
-          "GetDiameters", Names{"InnerDiameter", "OuterDiameter"},
+          "GetDiameters", Names{"InnerDiameter", "OuterDiameter"}, Out<1, 2>{},
           Doc{"The inner and outer thread diameters; always False with the outputs untouched."})
       .Method<&TK2DProjectedThreads::GetTaperFromMajorDiameter>(
-          "GetTaperFromMajorDiameter", Names{"Angle"},
+          "GetTaperFromMajorDiameter", Names{"Angle"}, Out<1>{},
           Doc{"The taper angle; always False with the output untouched."})
       .Method<&TK2DProjectedThreads::GetPositionInformation>(
-          "GetPositionInformation", Names{"Length", "OffsetDistance"},
+          "GetPositionInformation", Names{"Length", "OffsetDistance"}, Out<1, 2>{},
           Doc{"The thread length and offset; always False with the outputs untouched."})
       .Method<&TK2DProjectedThreads::GetThreadDirection>(
-          "GetThreadDirection", Names{"VecX", "VecY", "VecZ"},
+          "GetThreadDirection", Names{"VecX", "VecY", "VecZ"}, Out<1, 2, 3>{},
           Doc{"The thread direction; always False with the outputs untouched."})
       .Method<&TK2DProjectedThreads::GetIsHole>(
-          "GetIsHole", Names{"IsHole"},
+          "GetIsHole", Names{"IsHole"}, Out<1>{},
           Doc{"Whether the thread is in a hole; always False with the output untouched."})
       .Method<&TK2DProjectedThreads::GetTaperProjection>(
-          "GetTaperProjection", Names{"TaperProjection"},
+          "GetTaperProjection", Names{"TaperProjection"}, Out<1>{},
           Doc{"The taper projection; always False with the output untouched."})
       .Method<&TK2DProjectedThreads::GetProjectedThreadInformation>(
           "GetProjectedThreadInformation",
           Names{"Shape", "InnerDiameter", "OuterDiameter", "TaperAngle", "ThreadLength", "OffsetDistance",
                 "VecX", "VecY", "VecZ", "IsHole", "TaperProjection"},
+          Out<2, 3, 4, 5, 6, 7, 8, 9, 10, 11>{},
           Doc{"All thread values of Shape at once; always False with the outputs untouched."});
 }
 

@@ -54,13 +54,13 @@ void TKCurve::Describe(ClassBuilder<TKCurve>& b) {
           "SetWeight", Names{"Index", "Weight"},
           Doc{"Sets weight Index (1 to BSplineWeights); an index outside writes nothing."})
       .Method<&TKCurve::GetFitPoint>(
-          "GetFitPoint", Names{"Index", "X", "Y"},
+          "GetFitPoint", Names{"Index", "X", "Y"}, Out<2, 3>{},
           Doc{"Writes fit point Index (1 to BSplineFitPoints) into X and Y; 0 outside."})
       .Method<&TKCurve::SetFitPoint>(
           "SetFitPoint", Names{"Index", "X", "Y"},
           Doc{"Sets fit point Index (1 to BSplineFitPoints); an index outside writes nothing."})
       .Method<&TKCurve::GetControlPoint>(
-          "GetControlPoint", Names{"Index", "X", "Y"},
+          "GetControlPoint", Names{"Index", "X", "Y"}, Out<2, 3>{},
           Doc{"Writes control point Index (1 to BSplineControlPoints) into X and Y; 0 outside."})
       .Method<&TKCurve::SetControlPoint>(
           "SetControlPoint", Names{"Index", "X", "Y"},

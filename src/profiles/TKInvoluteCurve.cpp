@@ -5,13 +5,14 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
+#include "frame/Conventions.hpp"
+#include "geometry/TKVector4d.hpp"
+#include "tables/TK2DArray.hpp"
 
 namespace TessarkAO {
 
 namespace {
 
-// The value of pi the library converts radians to degrees with.
-constexpr double kPi = 3.14159265358979;
 // One turn of the unwinding angle, kept at exactly these digits rather than
 // the full-precision 2 pi: results depend on it.
 constexpr double kTwoPi = 6.28318530717958;
@@ -39,7 +40,7 @@ void TKInvoluteCurve::Describe(ClassBuilder<TKInvoluteCurve>& b) {
       .Property<&TKInvoluteCurve::GetCircleRadius, &TKInvoluteCurve::LetCircleRadius>(
           "CircleRadius", Doc{"The base circle's radius R."})
       .Method<&TKInvoluteCurve::GetPointFromAngle>(
-          "GetPointFromAngle", Names{"Angle", "X", "Y"},
+          "GetPointFromAngle", Names{"Angle", "X", "Y"}, Out<2, 3>{},
           Doc{"Writes the involute point for unwinding angle Angle into X and Y; StartAngle and "
               "CounterClockwise are not applied."})
       .Method<&TKInvoluteCurve::GetAngleFromInvoluteHeight>(
@@ -52,7 +53,7 @@ void TKInvoluteCurve::Describe(ClassBuilder<TKInvoluteCurve>& b) {
           "GetRequiredArcLengthForInvoluteHeight", Names{"Height"},
           Doc{"The polar angle of the point at Height times R."})
       .Method<&TKInvoluteCurve::GetCalculatedPointFromIndex>(
-          "GetCalculatedPointFromIndex", Names{"Index", "X", "Y"},
+          "GetCalculatedPointFromIndex", Names{"Index", "X", "Y"}, Out<2, 3>{},
           Doc{"Writes row Index of the last sampled table into X and Y; raises 9 outside its rows."})
       .Method<&TKInvoluteCurve::CalculatePointsThroughAngle>(
           "CalculatePointsThroughAngle", Names{"Angle"},
@@ -129,7 +130,7 @@ void TKInvoluteCurve::CalculatePointsThroughAngle(double angle) {
   // library's 15-digit pi; the vector's clean-up is part of the result.
   const double degrees = Checked::Mul(startAngle_, 180.0 / kPi);
   for (Row& row : table_) {
-    Variant vector(CreateObject("TessarkAO.TKVector4d"));
+    Variant vector(New<TKVector4d>());
     vector.Call("SetPosition", row[0], row[1], 0.0);
     vector.Call("Rotate", kAxisZ, degrees);
     row[0] = ToDouble(vector.Get("Value", std::int32_t{0}));
@@ -175,7 +176,7 @@ void TKInvoluteCurve::DrawInvolute(Ref<Object> path, bool counterClockwise) {
 Ref<Object> TKInvoluteCurve::GetInvolutePoints() const {
   const std::vector<Row> rows = OrderedRows(counterClockwise_);
   const std::int32_t n = static_cast<std::int32_t>(rows.size());
-  Ref<Object> array = CreateObject("TessarkAO.TK2DArray");
+  Ref<Object> array = New<TK2DArray>();
   const Variant a(array);
   a.Call("SetDimensions", n, std::int32_t{2}, false);
   for (std::int32_t i = 1; i <= n; ++i) {

@@ -17,17 +17,12 @@
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
 #include "automation/Enumerations.hpp"
+#include "frame/Conventions.hpp"
 
 namespace TessarkAO {
 
 namespace {
 
-// The value of pi the library converts degrees with, kept at these 15 digits.
-constexpr double kPi = 3.14159265358979;
-
-// Unit codes of UnitUtils.ConvertUnits used by the unit-aware read.
-constexpr std::int32_t kUnitPageUnits = 7;
-constexpr std::int32_t kUnitSystemLengthUnits = 11;
 
 // Variable n of curve j of a host path.
 Variant PathVariable(const Variant& path, std::int32_t curve, std::int32_t n) {
@@ -56,7 +51,7 @@ struct Reader {
     if (ToString(variable.Get("Expression")).empty()) return ToDouble(variable.Get("Value"));
     Variant value = variable.Get("Value");
     if (!units) units = CreateObject("TessarkAO.UnitUtils");
-    return ToDouble(Variant(units).Call("ConvertUnits", page, value, kUnitPageUnits, kUnitSystemLengthUnits));
+    return ToDouble(Variant(units).Call("ConvertUnits", page, value, UNIT_PAGEUNITS, UNIT_SYSTEM_LENGTH_UNITS));
   }
 };
 

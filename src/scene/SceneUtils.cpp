@@ -2,7 +2,7 @@
 
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/Functions.hpp"
 
 namespace TessarkAO {

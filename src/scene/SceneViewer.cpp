@@ -5,7 +5,7 @@
 #include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/Scene.hpp"
 #include "system/FormFont.hpp"
 

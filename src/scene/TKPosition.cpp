@@ -6,7 +6,7 @@
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
 #include "automation/Enumerations.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/SceneUtils.hpp"
 #include "system/Units.hpp"
 
@@ -100,19 +100,19 @@ void TKPosition::Describe(ClassBuilder<TKPosition>& b) {
                                                 Doc{"GetPtTransformUp applied to the seven position fields."})
       .Method<&TKPosition::GetPtTransformUp>(
           "GetPtTransformUp", Names{"dblX", "dblY", "dblZ", "dblRotX", "dblRotY", "dblRotZ", "dblRotAngle"},
-          Opt{0.0, 0.0, 0.0, 0.0},
+          Opt{0.0, 0.0, 0.0, 0.0}, Out<1, 2, 3, 4, 5, 6, 7>{},
           Doc{"The host's GetPointTransformUp of Shape, around a conversion to metric units and back; does "
               "nothing when no Scene is set."})
       .Method<&TKPosition::GetPtTransformDown>(
           "GetPtTransformDown",
           Names{"objChild", "dblX", "dblY", "dblZ", "dblRotX", "dblRotY", "dblRotZ", "dblRotAngle"},
-          Opt{0.0, 0.0, 0.0, 0.0},
+          Opt{0.0, 0.0, 0.0, 0.0}, Out<2, 3, 4, 5, 6, 7, 8>{},
           Doc{"The host's GetPointTransformDown of Shape towards objChild, around the unit conversion."})
       .Method<&TKPosition::Rotate>("Rotate", Names{"lngAxis", "dblAngle"},
                                    Doc{"The host's Rotate of Shape, then GetShapePosition."})
       .Method<&TKPosition::Shift>("Shift", Names{"dblX", "dblY", "dblZ", "bUseParent"}, Opt{false},
                                   Doc{"The host's Shift of Shape, then GetShapePosition."})
-      .Method<&TKPosition::GetNormal>("GetNormal", Names{"dblX", "dblY", "dblZ"},
+      .Method<&TKPosition::GetNormal>("GetNormal", Names{"dblX", "dblY", "dblZ"}, Out<1, 2, 3>{},
                                       Doc{"The host's normal of Shape, unconverted."})
       .Method<&TKPosition::Zero>("Zero", Names{"Parameter"},
                                  Doc{"Clears position fields by TKZeroParameters (position, rotation or "

@@ -4,8 +4,11 @@
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
 #include "automation/Enumerations.hpp"
-#include "host/HostModel.hpp"
+#include "geometry/TKMatrix4d.hpp"
+#include "geometry/TKVector4d.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/Functions.hpp"
+#include "system/UnitUtils.hpp"
 #include "system/Units.hpp"
 
 namespace TessarkAO {
@@ -14,7 +17,7 @@ namespace {
 
 // A UnitUtils whose Page is the shape's page: the placements convert through it.
 Variant UnitsOfPage(const Variant& shape) {
-  Variant units(CreateObject("TessarkAO.UnitUtils"));
+  Variant units(New<UnitUtils>());
   units.Set("Page", shape.Get("Page"));
   return units;
 }
@@ -113,7 +116,7 @@ Ref<Object> TKShape::Component(std::int32_t lngComponent, const Variant& bCanBeC
 }
 
 Ref<Object> TKShape::ComponentTransform(std::int32_t type) {
-  const Ref<Object> matrix = CreateObject("TessarkAO.TKMatrix4d");
+  const Ref<Object> matrix = New<TKMatrix4d>();
   const Variant component(Component(type, Variant(true)));
   if (component.IsNothing()) return matrix;
   const Variant units = UnitsOfPage(Variant(shape_));
@@ -121,9 +124,9 @@ Ref<Object> TKShape::ComponentTransform(std::int32_t type) {
   for (std::int32_t n = 1; n <= 7; ++n) v[n - 1] = Host::VariableValue(component, n);
   // Only the angle is converted: the point stays in page length units.
   const double degrees = Convert(units, v[6], UNIT_PAGEANGLEUNITS, UNIT_DEGREES);
-  const Variant point(CreateObject("TessarkAO.TKVector4d"));
+  const Variant point(New<TKVector4d>());
   point.Call("SetPosition", v[0], v[1], v[2]);
-  const Variant axis(CreateObject("TessarkAO.TKVector4d"));
+  const Variant axis(New<TKVector4d>());
   axis.Call("SetPosition", v[3], v[4], v[5]);
   Variant(matrix).Call("SetRotationFromPointAxisAndAngle", point, axis, degrees);
   return matrix;
@@ -134,7 +137,7 @@ Ref<Object> TKShape::PositionTransform() { return ComponentTransform(Host::Compo
 Ref<Object> TKShape::AnchorTransform() { return ComponentTransform(Host::ComponentType::Anchor); }
 
 Ref<Object> TKShape::SizeboxToParentTransform() {
-  const Ref<Object> matrix = CreateObject("TessarkAO.TKMatrix4d");
+  const Ref<Object> matrix = New<TKMatrix4d>();
   if (!shape_) return matrix;
   const Variant shape(shape_);
   const Variant units = UnitsOfPage(shape);

@@ -3,7 +3,7 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
 #include "automation/Enumerations.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 

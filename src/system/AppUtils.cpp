@@ -36,11 +36,11 @@ void AppUtils::Describe(ClassBuilder<AppUtils>& b) {
       .Get<&AppUtils::CommonInRegistryLocalMachine>(
           "CommonInRegistryLocalMachine", Doc{"The same text as CommonInRegistryCurrentUser, deliberately."})
       .Method<&AppUtils::GetRegistryPreferenceString>(
-          "GetRegistryPreferenceString", Names{"ValueName", "Value"},
+          "GetRegistryPreferenceString", Names{"ValueName", "Value"}, Out<2>{},
           Doc{"Reads string value ValueName of the open section (current user first, then the machine) into "
               "Value; True when found."})
       .Method<&AppUtils::GetRegistryPreferenceLong>(
-          "GetRegistryPreferenceLong", Names{"ValueName", "Value"},
+          "GetRegistryPreferenceLong", Names{"ValueName", "Value"}, Out<2>{},
           Doc{"Reads number value ValueName of the open section (current user first, then the machine) into "
               "Value; True when found."})
       .Method<&AppUtils::RegistryPreferenceBegin>(
@@ -48,10 +48,10 @@ void AppUtils::Describe(ClassBuilder<AppUtils>& b) {
           Doc{"Opens preference section Section; False, with the open one kept, while one is open."})
       .Method<&AppUtils::RegistryPreferenceEnd>("RegistryPreferenceEnd", Doc{"Closes the open section."})
       .Method<&AppUtils::GetCommonRegistryPreferenceString>(
-          "GetCommonRegistryPreferenceString", Names{"ValueName", "Value"},
+          "GetCommonRegistryPreferenceString", Names{"ValueName", "Value"}, Out<2>{},
           Doc{"As GetRegistryPreferenceString, on the product family's keys."})
       .Method<&AppUtils::GetCommonRegistryPreferenceLong>(
-          "GetCommonRegistryPreferenceLong", Names{"ValueName", "Value"},
+          "GetCommonRegistryPreferenceLong", Names{"ValueName", "Value"}, Out<2>{},
           Doc{"As GetRegistryPreferenceLong, on the product family's keys."})
       .Get<&AppUtils::ProgID>("ProgID", Doc{"The host application's ProgID."})
       .Get<&AppUtils::CommonBinariesPath>("CommonBinariesPath", Doc{"The host's common binaries folder."})

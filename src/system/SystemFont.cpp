@@ -20,12 +20,12 @@ void SystemFont::Describe(ClassBuilder<SystemFont>& b) {
 }
 
 void SystemFont::LetSize(Currency size) {
-  if (size.scaled <= 0) Raise(380, "Invalid property value");
+  if (size.scaled <= 0) Raise(Err::InvalidPropertyValue);
   size_ = size;
 }
 
 void SystemFont::LetWeight(std::int16_t weight) {
-  if (weight < 0 || weight > 1000) Raise(380, "Invalid property value");
+  if (weight < 0 || weight > 1000) Raise(Err::InvalidPropertyValue);
   weight_ = weight;
 }
 

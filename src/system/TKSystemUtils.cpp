@@ -56,19 +56,19 @@ std::string InitialsOf(std::string_view name) {
 
 void TKSystemUtils::Describe(ClassBuilder<TKSystemUtils>& b) {
   b.Method<&TKSystemUtils::ReadRegistryValue>(
-       "ReadRegistryValue", Names{"lKey", "sSubKey", "sValueName", "lError"},
+       "ReadRegistryValue", Names{"lKey", "sSubKey", "sValueName", "lError"}, Out<4>{},
        Doc{"The value sValueName of key sSubKey under the root handle lKey, as text; lError receives the "
            "registry status (0 success). Never raises."})
       .Method<&TKSystemUtils::SetRegistryStringValue>(
           "SetRegistryStringValue", Names{"lRootKey", "sSubKey", "sValueName", "sValue"},
           Doc{"Writes a string value under the root lRootKey (TKRegistryKeys); always returns 0."})
       .Method<&TKSystemUtils::ReadRegistryStringValue>(
-          "ReadRegistryStringValue", Names{"lRootKey", "sSubKey", "sValueName", "pValue"},
+          "ReadRegistryStringValue", Names{"lRootKey", "sSubKey", "sValueName", "pValue"}, Out<4>{},
           Doc{"Reads a string value into pValue; returns the registry status (0 success)."})
       .Method<&TKSystemUtils::DoesFileExist>("DoesFileExist", Names{"Filename"},
                                              Doc{"Whether the file exists."})
       .Method<&TKSystemUtils::SetLocaleDLL>(
-          "SetLocaleDLL", Names{"strMainDllName", "strProjectName"},
+          "SetLocaleDLL", Names{"strMainDllName", "strProjectName"}, Out<1>{},
           Doc{"The localizer of the system's language, made from the main library's satellite; Nothing when "
               "none could be created. The caller's strMainDllName receives the satellite's name. Never "
               "raises."})
@@ -82,7 +82,7 @@ void TKSystemUtils::Describe(ClassBuilder<TKSystemUtils>& b) {
           Doc{"Applies the default system font to the controls of objForm (with bKeepProperties, keeping "
               "size and style). Never raises."})
       .Method<&TKSystemUtils::ReadRegistryLongValue>(
-          "ReadRegistryLongValue", Names{"lRootKey", "sSubKey", "sValueName", "pValue"},
+          "ReadRegistryLongValue", Names{"lRootKey", "sSubKey", "sValueName", "pValue"}, Out<4>{},
           Doc{"Reads a number value into pValue; returns 0 for a number (or numeric text), else 1 with "
               "pValue untouched."})
       .Method<&TKSystemUtils::SetRegistryLongValue>(

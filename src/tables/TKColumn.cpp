@@ -36,15 +36,15 @@ void TKColumn::Describe(ClassBuilder<TKColumn>& b) {
           "NumberOfElements", Doc{"The number of elements; assigning resizes the column keeping the values "
                                   "(7 for a count too large)."})
       .Method<&TKColumn::GetObjectValues>(
-          "GetObjectValues", Names{"pValues"},
+          "GetObjectValues", Names{"pValues"}, Out<1>{},
           Doc{"Fills pValues with the elements (bounds 1 to count) and returns the count; with no elements "
               "pValues is left as it is. 9 on a column of another type."})
       .Method<&TKColumn::GetDoubleValues>(
-          "GetDoubleValues", Names{"pValues"},
+          "GetDoubleValues", Names{"pValues"}, Out<1>{},
           Doc{"Fills pValues with the elements (bounds 1 to count) and returns the count; with no elements "
               "pValues is left as it is. 9 on a column of another type."})
       .Method<&TKColumn::GetStringValues>(
-          "GetStringValues", Names{"pValues"},
+          "GetStringValues", Names{"pValues"}, Out<1>{},
           Doc{"Fills pValues with the elements (bounds 1 to count) and returns the count; with no elements "
               "pValues is left as it is. 9 on a column of another type."})
       .Method<&TKColumn::SetDoubleValues>("SetDoubleValues", Names{"Values"},

@@ -49,7 +49,7 @@ std::string Read(std::int32_t root, const std::string& key, std::string_view nam
 
 void DialogUtils::Describe(ClassBuilder<DialogUtils>& b) {
   b.Method<&DialogUtils::GetStartPosition>(
-       "GetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"},
+       "GetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"}, Out<2, 3>{},
        Doc{"Writes the remembered screen position of dialog intDialog (TKToolDialogs) into lngXPos and "
            "lngYPos, from the user's settings, else the machine's; (0, 0) when beyond the screen. 6 beyond a "
            "Long."})
@@ -59,10 +59,10 @@ void DialogUtils::Describe(ClassBuilder<DialogUtils>& b) {
       .Set<&DialogUtils::SetPage>("Page", Names{"objPage"},
                                   Doc{"The page the scene viewer shows (see GetCLSID)."})
       .Method<&DialogUtils::GetCLSID>(
-          "GetCLSID", Names{"intDialog", "lngError"},
+          "GetCLSID", Names{"intDialog", "lngError"}, Out<2>{},
           Doc{"The class identifier of the tool of dialog intDialog (TKToolDialogs); lngError receives the "
               "registry status (0 found)."})
-      .Method<&DialogUtils::GetCLSIDOfClass>("GetCLSIDOfClass", Names{"Class", "lngError"},
+      .Method<&DialogUtils::GetCLSIDOfClass>("GetCLSIDOfClass", Names{"Class", "lngError"}, Out<2>{},
                                              Doc{"The class identifier of the ProgID Class; lngError "
                                                  "receives the registry status; \"\" on failure."})
       .Method<&DialogUtils::QueryTool>(

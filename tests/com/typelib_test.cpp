@@ -20,7 +20,7 @@ class Sample final : public Dispatch<Sample> {
   static constexpr std::string_view kClassName = "Sample";
   static void Describe(ClassBuilder<Sample>& b) {
     b.Property<&Sample::GetX, &Sample::LetX>("X")
-        .Method<&Sample::GetPosition>("GetPosition", Names{"dblX", "dblY"})
+        .Method<&Sample::GetPosition>("GetPosition", Names{"dblX", "dblY"}, Out<1, 2>{})
         .Method<&Sample::Sum>("Sum", Names{"a", "b"}, Opt{Variant(std::int32_t{10})})
         .Method<&Sample::Scale>("Scale", Names{"factor"}, Opt{Variant(0.5)})
         .Method<&Sample::Seen>("Seen", Names{"v"}, Opt{Variant::Missing()})

@@ -222,18 +222,9 @@ struct Cell {
 // A date serial (days since 1899-12-30) as the yyyy-mm-dd its cell shows.
 std::string DateText(double serial) {
   if (!(std::fabs(serial) < 3e6)) return "#######";
-  const std::int64_t z = static_cast<std::int64_t>(std::floor(serial)) - 25569 + 719468;
-  const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const std::int64_t doe = z - era * 146097;
-  const std::int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const std::int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const std::int64_t mp = (5 * doy + 2) / 153;
-  const std::int64_t d = doy - (153 * mp + 2) / 5 + 1;
-  const std::int64_t m = mp < 10 ? mp + 3 : mp - 9;
-  const std::int64_t y = yoe + era * 400 + (m <= 2);
+  const CivilDay c = CivilDayOfSerial(static_cast<std::int64_t>(std::floor(serial)));
   char buf[80];
-  std::snprintf(buf, sizeof buf, "%04lld-%02lld-%02lld", static_cast<long long>(y), static_cast<long long>(m),
-                static_cast<long long>(d));
+  std::snprintf(buf, sizeof buf, "%04lld-%02d-%02d", static_cast<long long>(c.year), c.month, c.day);
   return buf;
 }
 

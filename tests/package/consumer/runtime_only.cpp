@@ -1,6 +1,6 @@
-// The same call through the runtime's headers only: nothing here names
-// libtessarkao, so only the target's usage requirements (CMake) or the
-// pkg-config flags keep the library whose loading registers the classes.
+// The same call through the runtime's headers only, as a program that
+// names no class does it: linked with --as-needed, the library whose loading
+// registers the classes must still be loaded (else CreateObject answers 429).
 #include <cstdio>
 
 #include "automation/AutomationError.hpp"
