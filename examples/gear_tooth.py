@@ -6,12 +6,16 @@ tooth is placed around the axis by a TKMatrix4d rotation, the gear's outline
 is collected in a TKProfile and drawn into a new extrude feature made by
 TKExtrudeShape, placed with a TKPosition and given the brass finish.  An SVG
 picture of the whole gear (with its base, pitch and tip circles) is written
-to OUT.  `app` (the reference-host application) and `tk` are provided by
-tktools.
+to OUT.  `app` (the reference-host application) is provided by tktools.
 """
 import math
 import os
 import sys
+from typing import Any
+
+import tessarkao as tk
+
+app: Any = globals()["app"]  # the application `tktools run` hands the script
 
 out_dir = sys.argv[1] if len(sys.argv) > 1 else "out"
 os.makedirs(out_dir, exist_ok=True)
@@ -81,7 +85,7 @@ loop.Closed = True
 # The feature: an extrude in a new part, placed beside the origin.
 extrude = tk.CreateObject("TessarkAO.TKExtrudeShape")
 extrude.UserName = "Spur gear"
-extrude.Height[1] = FACE_WIDTH
+extrude.Height[tk.TKExtrudeDirection.TKExtrude_Up] = FACE_WIDTH
 place = tk.CreateObject("TessarkAO.TKPosition")
 place.PosX, place.PosY, place.PosZ = 2.0, 0.0, 0.0
 extrude.Position = place
@@ -92,7 +96,7 @@ extrude.Finish()
 
 finish = tk.CreateObject("TessarkAO.TKSurfaceFinish")
 finish.Shape = shape
-finish.AssignCustomFinish(tk.Integer(2))  # brass
+finish.AssignCustomFinish(tk.TKSurfaceFinishes.Brass)
 
 # Read the profile back from the host, as a later tool would.
 check = tk.CreateObject("TessarkAO.TKProfile")
@@ -145,6 +149,6 @@ print(f"  base radius {base_r:.6f}, pitch radius {pitch_r:.6f}, tip radius {tip_
 print(f"  involute flank: {len(flank)} points, last ({flank[-1][0]:.6f}, {flank[-1][1]:.6f})")
 print(f"  gear outline: {TEETH} teeth of {len(tooth)} points, {len(outline)} points in all, closed: {bool(read_loop.Closed)}, "
       f"curves read back from the host: {read_loop.NumberOfCurves}")
-print(f"  feature '{shape.Name}' at {utils.GetShapePath(shape)} (extrude height {extrude.Height[1]})")
+print(f"  feature '{shape.Name}' at {utils.GetShapePath(shape)} (extrude height {extrude.Height[tk.TKExtrudeDirection.TKExtrude_Up]})")
 print(f"  finish: brass, surface colour {finish.SurfaceColor}")
 print(f"  picture: {svg_path}")

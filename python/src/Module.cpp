@@ -2,11 +2,13 @@
 #include <cstdlib>
 #include <pybind11/stl.h>
 
+#include "Docs.hpp"
 #include "Proxy.hpp"
 #include "Signatures.hpp"
 #include "Values.hpp"
 #include "automation/Catalogue.hpp"
 #include "frame/ClassCatalogue.hpp"
+#include "tessarkao/Version.hpp"
 
 namespace TessarkAO::Python {
 
@@ -50,10 +52,12 @@ PYBIND11_MODULE(_core, m) {
   // Scripts drive the dialogs through tk.ui: headless unless the caller
   // asks for windows (TESSARKAO_UI=windows) before the module loads.
   ::setenv("TESSARKAO_UI", "headless", 0);
+  m.attr("__version__") = TESSARKAO_VERSION_STRING;
 
   RegisterErrors(m);
   RegisterValues(m);
   RegisterProxy(m);
+  RegisterDocs(m);
   RegisterUi(m);
 #ifdef TK_WITH_REFHOST
   RegisterRefHost(m);

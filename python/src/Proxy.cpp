@@ -8,6 +8,7 @@
 
 #include <unordered_map>
 
+#include "Docs.hpp"
 #include "Signatures.hpp"
 #include "automation/Call.hpp"
 #include "automation/Convert.hpp"
@@ -361,6 +362,7 @@ PyObject* BoundRepr(PyObject* self) {
 PyObject* BoundDoc(PyObject* self, void*) {
   BoundObject* b = Bound(self);
   if (!b->member) Py_RETURN_NONE;
+  if (PyObject* doc = BoundMemberDoc(b->owner, b->member)) return doc;
   const std::string text = SignatureText(*b->member);
   return PyUnicode_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size()));
 }
@@ -379,7 +381,12 @@ PyObject* BoundSelf(PyObject* self, void*) {
   return owner;
 }
 
+PyObject* BoundSignature(PyObject* self, void*) {
+  return BoundMemberSignature(Bound(self)->owner, Bound(self)->member);
+}
+
 PyGetSetDef kBoundGetSet[] = {
+    {"__signature__", BoundSignature, nullptr, "The member's signature for inspect.", nullptr},
     {"__doc__", BoundDoc, nullptr, "The member's signature.", nullptr},
     {"__name__", BoundName, nullptr, "The member's name.", nullptr},
     {"__self__", BoundSelf, nullptr, "The object the member is bound to.", nullptr},
@@ -417,12 +424,14 @@ PyType_Slot kBoundSlots[] = {
 
 // ----- Public ---------------------------------------------------------------------------
 
-bool IsProxy(PyObject* o) noexcept { return Py_TYPE(o) == g_proxyType; }
+bool IsProxy(PyObject* o) noexcept { return PyObject_TypeCheck(o, g_proxyType); }
 
 Object* ProxyTarget(PyObject* proxy) noexcept { return Target(proxy); }
 
 py::object NewProxy(Ref<Object> object) {
-  ProxyObject* p = PyObject_New(ProxyObject, g_proxyType);
+  // tp_alloc: a class's proxy type (Docs.hpp) is a heap subtype with GC support.
+  PyTypeObject* type = ProxyTypeFor(object->Class(), g_proxyType);
+  auto* p = reinterpret_cast<ProxyObject*>(type->tp_alloc(type, 0));
   if (!p) throw py::error_already_set();
   p->object = object.detach();
   p->weakrefs = nullptr;
@@ -474,7 +483,8 @@ Variant InvokeRaw(Object& object, py::handle nameOrId, CallKind kind, CallArgs& 
 
 void RegisterProxy(py::module_& m) {
   PyType_Spec proxySpec = {"tessarkao.Object", sizeof(ProxyObject), 0,
-                           Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, kProxySlots};
+                           Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_DISALLOW_INSTANTIATION,
+                           kProxySlots};  // subclassed once per class (Docs.hpp)
   PyType_Spec boundSpec = {"tessarkao.BoundMember", sizeof(BoundObject), 0,
                            Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, kBoundSlots};
   g_proxyType = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&proxySpec));

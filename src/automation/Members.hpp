@@ -396,6 +396,10 @@ struct Out {
   static_assert(((P >= 1 && P <= 16) && ...), "Out<>: positions count from 1");
 };
 
+// What the member does, what it writes back and the errors it raises; the
+// names, types and defaults of its arguments come from the table itself.  The
+// Python help texts, the type library's help strings and the reference pages
+// are made from it.
 struct Doc {
   std::string text;
 };
@@ -476,12 +480,16 @@ class ClassBuilder {
   }
   template <auto Fn, class... Ann>
   ClassBuilder& Let(std::string_view name, Ann&&... ann) {
-    Slot(name).let = MakeAccessor<Fn>(ann...);
+    MemberInfo& m = Slot(name);
+    m.let = MakeAccessor<Fn>(ann...);
+    ApplyDoc(m, ann...);
     return *this;
   }
   template <auto Fn, class... Ann>
   ClassBuilder& Set(std::string_view name, Ann&&... ann) {
-    Slot(name).set = MakeAccessor<Fn>(ann...);
+    MemberInfo& m = Slot(name);
+    m.set = MakeAccessor<Fn>(ann...);
+    ApplyDoc(m, ann...);
     return *this;
   }
   template <auto G, auto L, class... Ann>

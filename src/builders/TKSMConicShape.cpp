@@ -9,10 +9,15 @@ void TKSMConicShape::Describe(ClassBuilder<TKSMConicShape>& b) {
   using C = TKSMConicShape;
   DescribeUserName(b);
   DescribePosition(b)
-      .Property<&C::GetTopRadius, &C::LetTopRadius>("TopRadius")
-      .Property<&C::GetBottomRadius, &C::LetBottomRadius>("BottomRadius")
-      .Property<&C::GetHeight, &C::LetHeight>("Height")
-      .Property<&C::GetThickness, &C::LetThickness>("Thickness");
+      .Property<&C::GetTopRadius, &C::LetTopRadius>(
+          "TopRadius",
+          Doc{"The radius of the top circle, default 0.5; raises 5 when negative (0 makes a pointed cone)."})
+      .Property<&C::GetBottomRadius, &C::LetBottomRadius>(
+          "BottomRadius", Doc{"The radius of the bottom circle, default 1.0; raises 5 when negative."})
+      .Property<&C::GetHeight, &C::LetHeight>(
+          "Height", Doc{"The distance between the two circles, default 1.0; raises 5 unless above 0."})
+      .Property<&C::GetThickness, &C::LetThickness>(
+          "Thickness", Doc{"The sheet thickness, default 0.1; raises 5 unless above 0."});
   DescribeClosing(b, /*pathComponents=*/false, /*part=*/true);
 }
 

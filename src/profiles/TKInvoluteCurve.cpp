@@ -31,22 +31,39 @@ double InvoluteMath::ArcTanOfRatio(double& x, double& y) {
 }
 
 void TKInvoluteCurve::Describe(ClassBuilder<TKInvoluteCurve>& b) {
-  b.Property<&TKInvoluteCurve::GetPoints, &TKInvoluteCurve::LetPoints>("Points")
+  b.Property<&TKInvoluteCurve::GetPoints, &TKInvoluteCurve::LetPoints>(
+       "Points", Doc{"The number of points CalculatePointsThroughAngle samples."})
       .Property<&TKInvoluteCurve::GetCounterClockwise, &TKInvoluteCurve::LetCounterClockwise>(
-          "CounterClockwise")
-      .Property<&TKInvoluteCurve::GetStartAngle, &TKInvoluteCurve::LetStartAngle>("StartAngle")
-      .Property<&TKInvoluteCurve::GetCircleRadius, &TKInvoluteCurve::LetCircleRadius>("CircleRadius")
-      .Method<&TKInvoluteCurve::GetPointFromAngle>("GetPointFromAngle", Names{"Angle", "X", "Y"}, Out<2, 3>{})
-      .Method<&TKInvoluteCurve::GetAngleFromInvoluteHeight>("GetAngleFromInvoluteHeight", Names{"Height"})
-      .Method<&TKInvoluteCurve::GetPointAngleFromInvoluteHeight>("GetPointAngleFromInvoluteHeight",
-                                                                 Names{"Height"})
+          "CounterClockwise", Doc{"Whether the sampled points run counter-clockwise."})
+      .Property<&TKInvoluteCurve::GetStartAngle, &TKInvoluteCurve::LetStartAngle>(
+          "StartAngle", Doc{"The polar angle in degrees the curve starts at."})
+      .Property<&TKInvoluteCurve::GetCircleRadius, &TKInvoluteCurve::LetCircleRadius>(
+          "CircleRadius", Doc{"The base circle's radius R."})
+      .Method<&TKInvoluteCurve::GetPointFromAngle>(
+          "GetPointFromAngle", Names{"Angle", "X", "Y"}, Out<2, 3>{},
+          Doc{"Writes the involute point for unwinding angle Angle into X and Y; StartAngle and "
+              "CounterClockwise are not applied."})
+      .Method<&TKInvoluteCurve::GetAngleFromInvoluteHeight>(
+          "GetAngleFromInvoluteHeight", Names{"Height"},
+          Doc{"The unwinding angle at which the curve is Height above the base circle."})
+      .Method<&TKInvoluteCurve::GetPointAngleFromInvoluteHeight>(
+          "GetPointAngleFromInvoluteHeight", Names{"Height"},
+          Doc{"The polar angle of the point at Height, continued by whole turns of the unwinding angle."})
       .Method<&TKInvoluteCurve::GetRequiredArcLengthForInvoluteHeight>(
-          "GetRequiredArcLengthForInvoluteHeight", Names{"Height"})
-      .Method<&TKInvoluteCurve::GetCalculatedPointFromIndex>("GetCalculatedPointFromIndex",
-                                                             Names{"Index", "X", "Y"}, Out<2, 3>{})
-      .Method<&TKInvoluteCurve::CalculatePointsThroughAngle>("CalculatePointsThroughAngle", Names{"Angle"})
-      .Method<&TKInvoluteCurve::DrawInvolute>("DrawInvolute", Names{"Path", "CounterClockwise"})
-      .Method<&TKInvoluteCurve::GetInvolutePoints>("GetInvolutePoints");
+          "GetRequiredArcLengthForInvoluteHeight", Names{"Height"},
+          Doc{"The polar angle of the point at Height times R."})
+      .Method<&TKInvoluteCurve::GetCalculatedPointFromIndex>(
+          "GetCalculatedPointFromIndex", Names{"Index", "X", "Y"}, Out<2, 3>{},
+          Doc{"Writes row Index of the last sampled table into X and Y; raises 9 outside its rows."})
+      .Method<&TKInvoluteCurve::CalculatePointsThroughAngle>(
+          "CalculatePointsThroughAngle", Names{"Angle"},
+          Doc{"Samples Points points from unwinding angle 0 to Angle into the table."})
+      .Method<&TKInvoluteCurve::DrawInvolute>(
+          "DrawInvolute", Names{"Path", "CounterClockwise"},
+          Doc{"Adds one B-spline segment through the sampled points to the host path Path."})
+      .Method<&TKInvoluteCurve::GetInvolutePoints>(
+          "GetInvolutePoints",
+          Doc{"The sampled points as a Points x 2 TK2DArray, ordered by CounterClockwise."});
 }
 
 void TKInvoluteCurve::GetPointFromAngle(double angle, double& x, double& y) const {

@@ -3,10 +3,11 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostAccess.hpp"
-#include "scene/Functions.hpp"
+#include "automation/Enumerations.hpp"
 #include "geometry/TKMatrix4d.hpp"
 #include "geometry/TKVector4d.hpp"
+#include "host/HostAccess.hpp"
+#include "scene/Functions.hpp"
 #include "system/UnitUtils.hpp"
 #include "system/Units.hpp"
 
@@ -28,16 +29,30 @@ double Convert(const Variant& units, double value, std::int32_t fromUnits, std::
 }  // namespace
 
 void TKShape::Describe(ClassBuilder<TKShape>& b) {
-  b.PropertyRef<&TKShape::GetShape, &TKShape::SetShape>("Shape")
-      .Get<&TKShape::SizeboxToParentTransform>("SizeboxToParentTransform")
-      .Get<&TKShape::Parent>("Parent")
-      .Get<&TKShape::History>("History")
-      .Get<&TKShape::BoundingBox>("BoundingBox", Names{"lngIndex"})
-      .Get<&TKShape::Position>("Position")
-      .Get<&TKShape::SurfaceFinish>("SurfaceFinish")
-      .Get<&TKShape::Component>("Component", Names{"lngComponent", "bCanBeCreated"}, Opt{Variant::Missing()})
-      .Get<&TKShape::PositionTransform>("PositionTransform")
-      .Get<&TKShape::AnchorTransform>("AnchorTransform");
+  b.PropertyRef<&TKShape::GetShape, &TKShape::SetShape>(
+       "Shape", Doc{"The host shape; assigning reads and keeps its BoundingBox and makes the next Parent and "
+                    "History reads search anew."})
+      .Get<&TKShape::SizeboxToParentTransform>(
+          "SizeboxToParentTransform", Doc{"The size box's placement in the parent as a TKMatrix4d "
+                                          "(translation in page length units); the identity with no shape."})
+      .Get<&TKShape::Parent>("Parent",
+                             Doc{"The parent shape, searched on the first read after Shape was set."})
+      .Get<&TKShape::History>("History", Doc{"The child container (history or group component), looked up on "
+                                             "the first read after Shape was set."})
+      .Get<&TKShape::BoundingBox>("BoundingBox", Names{"lngIndex"},
+                                  Doc{"Extent Index (TKBoundingBoxIndices): 1 to 6 the minima and maxima, 7 "
+                                      "to 9 the sizes; 0 for any other index."})
+      .Get<&TKShape::Position>(
+          "Position", Doc{"The shape's TKPosition, refreshed from the host (anchor, then position)."})
+      .Get<&TKShape::SurfaceFinish>("SurfaceFinish",
+                                    Doc{"The shape's TKSurfaceFinish, refreshed from the host."})
+      .Get<&TKShape::Component>("Component", Names{"lngComponent", "bCanBeCreated"}, Opt{Variant::Missing()},
+                                Doc{"The shape's first component of a type; a missing one is added only when "
+                                    "bCanBeCreated is True, else Nothing. Nothing with no shape."})
+      .Get<&TKShape::PositionTransform>("PositionTransform",
+                                        Doc{"The placement of the position component (4) as a TKMatrix4d."})
+      .Get<&TKShape::AnchorTransform>("AnchorTransform",
+                                      Doc{"The placement of the anchor component (5) as a TKMatrix4d."});
 }
 
 void TKShape::SetShape(Ref<Object> objShape) {
@@ -155,3 +170,17 @@ Ref<Object> TKShape::SizeboxToParentTransform() {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKShape)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKBoundingBoxIndices, "TKShape",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinX),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinY),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinZ),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxX),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxY),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxZ),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKLength),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKWidth),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKHeight),
+                        })

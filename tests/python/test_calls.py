@@ -42,7 +42,8 @@ def test_methods_take_optional_and_named_arguments(sample):
     sample.GetPosition(x, y, z)
     assert (x.value, y.value, z.value) == (7.0, 0.0, 8.0)
     assert sample.SetPosition.__doc__ == "SetPosition(dblX: Double, [dblY: Double = 0], [dblZ: Double = 0])"
-    assert sample.GetPosition.__doc__ == "GetPosition(ByRef X: Double, ByRef Y: Double, ByRef Z: Double)"
+    assert sample.GetPosition.__doc__ == ("GetPosition(ByRef X: Double, ByRef Y: Double, ByRef Z: Double)\n"
+                                          "Outputs (pass a tk.Ref): X, Y, Z.")
     assert sample.Join("-", 1, "b", 2.5) == "1-b-2.5"
     assert sample.Join.__doc__ == "Join(strSeparator: String, ParamArray varItems()) -> String"
 
