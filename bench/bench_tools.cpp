@@ -95,10 +95,10 @@ class Table final : public Dispatch<Table> {
         .Get<&Table::Flags>("Flags")
         .Get<&Table::Rows>("Rows")
         .Get<&Table::Columns>("Columns")
-        .Method<&Table::GetCellData>("GetCellData")
-        .Method<&Table::GetFontName>("GetFontName")
-        .Method<&Table::GetFontSize>("GetFontSize")
-        .Method<&Table::GetFontFormat>("GetFontFormat");
+        .Method<&Table::GetCellData>("GetCellData", Out<1, 2>{})
+        .Method<&Table::GetFontName>("GetFontName", Out<1, 2>{})
+        .Method<&Table::GetFontSize>("GetFontSize", Out<1, 2>{})
+        .Method<&Table::GetFontFormat>("GetFontFormat", Out<1, 2>{});
   }
   std::string Filename() { return (Dir() / "export.xlsx").string(); }
   std::int32_t Flags() { return 1; }

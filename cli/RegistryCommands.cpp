@@ -1,6 +1,6 @@
 // tktools reg: the library's registry store from the shell.
 //
-// Every change goes through the store's REGEDIT4 import, so a `set` is one
+// Every change goes through the store's .reg import, so a `set` is one
 // durable transaction with the same checks as a .reg file.
 #include <cinttypes>
 #include <cstdio>
@@ -14,17 +14,21 @@ namespace TessarkAO::Cli {
 
 extern const std::string_view kRegUsage;
 const std::string_view kRegUsage =
-    "usage: tktools reg import FILE.reg\n"
-    "       tktools reg export [KEY]\n"
+    "usage: tktools reg import FILE.reg [--codepage N]\n"
+    "       tktools reg export [KEY] [--format 4|5] [--codepage N]\n"
     "       tktools reg get KEY VALUE\n"
     "       tktools reg set KEY VALUE DATA [--dword | --reg-data]\n"
     "\n"
     "Reads and writes the registry store the library uses ($TESSARKAO_REGISTRY, else\n"
     "$XDG_CONFIG_HOME/tessarkao/registry.sqlite3).\n"
     "\n"
-    "  import   applies a REGEDIT4 file in one transaction, or nothing\n"
-    "  export   prints KEY and everything below it as a REGEDIT4 file (every root\n"
-    "           when KEY is not given)\n"
+    "  import   applies a .reg file in one transaction, or nothing: REGEDIT4 (in\n"
+    "           the ANSI code page) or \"Windows Registry Editor Version 5.00\"\n"
+    "           (UTF-16LE with its byte-order mark, or UTF-8); FILE - reads stdin\n"
+    "  export   prints KEY and everything below it as a .reg file (every root when\n"
+    "           KEY is not given): --format 5 (the default) is version 5.00 in\n"
+    "           UTF-16LE with a byte-order mark, --format 4 is REGEDIT4 in the ANSI\n"
+    "           code page; text that the code page cannot hold is refused\n"
     "  get      prints the data of VALUE: text for strings, a decimal number for\n"
     "           dword and qword values, two-digit hex bytes for the others\n"
     "  set      writes DATA into VALUE, creating the key when needed: as a string\n"
@@ -38,6 +42,8 @@ const std::string_view kRegUsage =
     "\n"
     "options:\n"
     "  --registry FILE   use this store file instead\n"
+    "  --codepage N      the ANSI code page of REGEDIT4 files (default 1252,\n"
+    "                    Windows-1252; 65001 is UTF-8)\n"
     "  -h, --help        show this text\n"
     "\n"
     "Exit status: 0 done, 1 the store refused (or, for get, there is no such value),\n"
@@ -134,7 +140,8 @@ RegFileValue MakeValue(const Arguments& args, const std::string& name, const std
     // The notation is checked by the .reg parser itself, on a one-value file.
     std::vector<RegFileKey> keys;
     std::string error;
-    if (!ParseRegFile("REGEDIT4\n[HKEY_CURRENT_USER\\x]\n\"v\"=" + data + "\n", keys, error) ||
+    // Command-line text is UTF-8.
+    if (!ParseRegFile("REGEDIT4\n[HKEY_CURRENT_USER\\x]\n\"v\"=" + data + "\n", keys, error, kCodePageUtf8) ||
         keys.size() != 1 || keys[0].values.size() != 1 || keys[0].values[0].remove)
       throw UsageError("'" + data + "' is not value data of a .reg file (dword:0000000c, hex:01,02, \"text\")");
     value.type = keys[0].values[0].type;
@@ -161,10 +168,41 @@ RegFileValue MakeValue(const Arguments& args, const std::string& name, const std
   return value;
 }
 
+unsigned CodePage(const Arguments& args) {
+  if (!args.Has("--codepage")) return kRegFileCodePage;
+  const std::string text = args.Value("--codepage");
+  unsigned long n = 0;
+  for (char c : text) {
+    if (c < '0' || c > '9' || n > 99999) throw UsageError("--codepage takes a code page number (1252, 65001, ...)");
+    n = n * 10 + static_cast<unsigned>(c - '0');
+  }
+  if (!RegFileCodePageSupported(static_cast<unsigned>(n)))
+    throw UsageError("code page " + text + " is not known here");
+  return static_cast<unsigned>(n);
+}
+
+// The whole of FILE, or of standard input for "-".
+std::string ReadInput(const std::string& path) {
+  std::FILE* f = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
+  if (!f) throw CommandError("cannot read " + path);
+  std::string text;
+  char buf[65536];
+  std::size_t n;
+  while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) text.append(buf, n);
+  const bool failed = std::ferror(f) != 0;
+  if (f != stdin) std::fclose(f);
+  if (failed) throw CommandError("cannot read " + path);
+  return text;
+}
+
 int RegImport(const Arguments& args) {
-  if (args.Positionals().size() != 2) throw UsageError("reg import needs one FILE.reg");
+  if (args.Positionals().size() != 2) throw UsageError("reg import needs one FILE.reg (- for standard input)");
+  if (args.Has("--format")) throw UsageError("--format goes with export (import reads either format)");
+  const unsigned codePage = CodePage(args);
+  const std::string& path = args.Positionals()[1];
   Store store(args);
-  const RegStatus status = store->ImportRegFile(args.Positionals()[1]);
+  const RegStatus status =
+      path == "-" ? store->ImportRegText(ReadInput(path), codePage) : store->ImportRegFile(path, codePage);
   if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
   return 0;
 }
@@ -173,9 +211,18 @@ int RegExport(const Arguments& args) {
   if (args.Positionals().size() > 2) throw UsageError("reg export takes at most one KEY");
   KeyName key;
   if (args.Positionals().size() == 2) key = ParseKey(args.Positionals()[1]);
+  RegFileFormat format = RegFileFormat::Version5;
+  if (args.Has("--format")) {
+    const std::string f = args.Value("--format");
+    if (f != "4" && f != "5") throw UsageError("--format is 4 (REGEDIT4) or 5 (version 5.00)");
+    format = f == "4" ? RegFileFormat::Regedit4 : RegFileFormat::Version5;
+  }
+  if (args.Has("--codepage") && format != RegFileFormat::Regedit4)
+    throw UsageError("--codepage goes with --format 4 (version 5.00 files are UTF-16LE)");
+  const unsigned codePage = CodePage(args);
   Store store(args);
   std::string text;
-  const RegStatus status = store->ExportRegText(key.root, key.path, text);
+  const RegStatus status = store->ExportRegText(key.root, key.path, text, format, codePage);
   if (status == WinError::FileNotFound) throw CommandError("no key " + args.Positionals()[1]);
   if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
   std::fwrite(text.data(), 1, text.size(), stdout);
@@ -212,8 +259,8 @@ int RegSet(const Arguments& args) {
   section.root = key.root;
   section.path = key.path;
   section.values.push_back(MakeValue(args, ValueName(args.Positionals()[2]), args.Positionals()[3]));
-  std::string text(kRegFileHeader);
-  AppendRegFileKey(text, section);
+  std::string text, error;
+  if (!WriteRegFile({section}, RegFileFormat::Version5, kRegFileCodePage, text, error)) throw UsageError(error);
   Store store(args);
   const RegStatus status = store->ImportRegText(text);
   if (status != WinError::Success) throw CommandError(StoreFailure(*store, status));
@@ -223,11 +270,13 @@ int RegSet(const Arguments& args) {
 }  // namespace
 
 int RegRun(const std::vector<std::string>& raw) {
-  const Arguments args(raw, {"--registry"}, {"--dword", "--reg-data"});
+  const Arguments args(raw, {"--registry", "--format", "--codepage"}, {"--dword", "--reg-data"});
   if (args.Positionals().empty()) throw UsageError("which action: import, export, get or set?");
   const std::string& action = args.Positionals().front();
   if ((args.Has("--dword") || args.Has("--reg-data")) && action != "set")
     throw UsageError("--dword and --reg-data go with set");
+  if ((args.Has("--format") || args.Has("--codepage")) && action != "import" && action != "export")
+    throw UsageError("--format and --codepage go with import and export");
   if (action == "import") return RegImport(args);
   if (action == "export") return RegExport(args);
   if (action == "get") return RegGet(args);

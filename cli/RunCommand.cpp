@@ -10,10 +10,12 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <sys/stat.h>
 
 #include "Command.hpp"
+#include "Streams.hpp"
 
 namespace py = pybind11;
 
@@ -31,6 +33,8 @@ const std::string_view kRunUsage =
     "  --scene FILE.json   start from this scene file (default: a new, empty scene)\n"
     "  --save FILE.json    save the scene of `app` to this file after the script\n"
     "  -h, --help          show this text\n"
+    "\n"
+    "SCRIPT.py and FILE.json may be -, standard input (one of them) or output.\n"
     "\n"
     "Exit status: 0 when the script ran to its end (or the status it passed to\n"
     "sys.exit), 1 when it raised or the scene could not be loaded or saved, 2 for a\n"
@@ -92,9 +96,12 @@ int RunScript(const std::vector<std::string>& args) {
   const std::string script = a.Positionals()[0];
   const std::string scene = a.Value("--scene");
   const std::string save = a.Value("--save");
+  if (script == "-" && scene == "-") throw UsageError("only one of SCRIPT.py and --scene can be standard input");
   errno = 0;
-  const std::string source = ReadScript(script);
-  if (!scene.empty() && !IsFile(scene)) throw CommandError("no scene file " + scene);
+  const InputFile scriptFile(script, ".py");
+  const std::string source = ReadScript(scriptFile.Path());
+  const InputFile sceneFile(scene, ".json");
+  if (!scene.empty() && !IsFile(sceneFile.Path())) throw CommandError("no scene file " + scene);
 
   py::scoped_interpreter python;
   int status = 0;
@@ -107,7 +114,7 @@ int RunScript(const std::vector<std::string>& args) {
     sys.attr("argv") = argv;
     py::list path = sys.attr("path");
     path.insert(0, PackageParentDir());
-    const std::size_t slash = script.rfind('/');
+    const std::size_t slash = script == "-" ? std::string::npos : script.rfind('/');
     path.insert(0, slash == std::string::npos ? std::string(".") : script.substr(0, slash));
 
     py::module_ tk = py::module_::import("tessarkao");
@@ -118,7 +125,7 @@ int RunScript(const std::vector<std::string>& args) {
     globals["tk"] = tk;
     try {
       py::object refhost = tk.attr("refhost");
-      globals["app"] = scene.empty() ? refhost.attr("new_application")() : refhost.attr("load")(scene);
+      globals["app"] = scene.empty() ? refhost.attr("new_application")() : refhost.attr("load")(sceneFile.Path());
     } catch (py::error_already_set& e) {
       throw CommandError("cannot load the scene " + scene + ": " + OneLine(e));
     }
@@ -137,11 +144,20 @@ int RunScript(const std::vector<std::string>& args) {
       }
     }
     if (status == 0 && !save.empty()) {
+      std::optional<OutputFile> made;
       try {
-        tk.attr("refhost").attr("save")(globals["app"], save);
+        made.emplace(save, ".json");
+      } catch (const CommandError& e) {
+        throw CommandError(std::string("cannot save the scene: ") + e.what());
+      }
+      OutputFile& out = *made;
+      try {
+        tk.attr("refhost").attr("save")(globals["app"], out.Path());
       } catch (py::error_already_set& e) {
         throw CommandError("cannot save the scene to " + save + ": " + OneLine(e));
       }
+      std::fflush(stdout);  // what the script printed comes before the scene
+      out.Commit();
     }
   }
   if (!failure.empty()) throw CommandError(failure);

@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "Command.hpp"
+#include "Streams.hpp"
 #include "automation/AutomationError.hpp"
 #include "automation/Convert.hpp"
 #include "automation/Members.hpp"
@@ -22,6 +23,7 @@ const std::string_view kTreeUsage =
     "options:\n"
     "  --page NAME   the page to show (default: the active page); --page all shows\n"
     "                every page, each after a line \"== page NAME\"\n"
+    "  FILE.json - reads the scene from standard input\n"
     "  -h, --help    show this text\n"
     "\n"
     "Exit status: 0 printed, 1 the scene could not be read or has no such page, 2 for\n"
@@ -32,9 +34,10 @@ namespace {
 int TreeCommand(const std::vector<std::string>& raw) {
   const Arguments args(raw, {"--page"});
   if (args.Positionals().size() != 1) throw UsageError("one scene file is needed");
+  const InputFile scene(args.Positionals().front(), ".json");
   Ref<Object> app;
   try {
-    app = RefHost::LoadScene(args.Positionals().front());
+    app = RefHost::LoadScene(scene.Path());
   } catch (const AutomationError& e) {
     throw CommandError("cannot load the scene: " + e.Description());
   }

@@ -5,6 +5,8 @@
 #include <sstream>
 
 #include "Command.hpp"
+#include "Streams.hpp"
+#include "automation/Call.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Members.hpp"
 #include "platform/UserInterface.hpp"
@@ -16,8 +18,10 @@ namespace TessarkAO::Cli {
 
 extern const std::string_view kImportUsage;
 const std::string_view kImportUsage =
-    "usage: tktools import-bspline POINTS.txt --scene FILE.json --select SHAPE [--save OUT.json]\n"
+    "usage: tktools import-bspline POINTS.txt --scene FILE.json --select SHAPE --save OUT.json\n"
+    "       tktools import-bspline --scene FILE.json --select SHAPE [--save OUT.json]\n"
     "\n"
+    "Without POINTS.txt the import dialog is shown and the file is chosen in it.\n"
     "Imports the fit points of POINTS.txt as a B-spline path into SHAPE of the scene's\n"
     "active page, as the import dialog does when the file is chosen and Import pressed.\n"
     "\n"
@@ -25,8 +29,11 @@ const std::string_view kImportUsage =
     "  --scene FILE.json   the scene to import into\n"
     "  --select SHAPE      the shape to select first: its name, or its full path\n"
     "                      (\"Scene1//Assembly//Part\")\n"
-    "  --save OUT.json     save the scene afterwards\n"
+    "  --save OUT.json     where the scene with the new path is saved (needed with\n"
+    "                      POINTS.txt: the import changes nothing else)\n"
     "  -h, --help          show this text\n"
+    "\n"
+    "POINTS.txt, FILE.json or OUT.json may be -, standard input or output.\n"
     "\n"
     "Exit status: 0 imported, 1 the import or the scene failed (the message shown is\n"
     "the reason), 2 for a wrong call.\n";
@@ -36,9 +43,14 @@ const std::string_view kExportUsage =
     "usage: tktools export-bom BOM.csv OUT.xlsx\n"
     "\n"
     "Writes the table of BOM.csv (comma separated, double quotes around fields that\n"
-    "hold commas, quotes or line breaks) into a new workbook OUT.xlsx, through the\n"
-    "bill-of-materials exporter: numbers stay numbers, the first row is bold, the\n"
-    "columns are fitted to their texts.\n"
+    "hold commas, quotes or line breaks) into a new workbook saved under exactly the\n"
+    "name OUT.xlsx, through the bill-of-materials exporter: the first row is bold,\n"
+    "the columns are fitted to their texts.  A field is a number when it is written\n"
+    "as one: an optional minus sign, digits without leading zeros (0 itself, 0.5),\n"
+    "an optional fraction and exponent (12.5, 1e-3); anything else (007, +1, 1,5,\n"
+    "\" 12\", a part number) stays text.\n"
+    "\n"
+    "BOM.csv may be - for standard input, OUT.xlsx - for standard output.\n"
     "\n"
     "Exit status: 0 written, 1 the export failed, 2 for a wrong call.\n";
 
@@ -72,17 +84,46 @@ class ShapeFinder final : public Scene::ShapeVisitor {
   std::string wanted_;
 };
 
+// The import changes only the scene in memory: without --save nothing
+// would be kept.  At most one of the files is standard input.
+void CheckImportStreams(const Arguments& args) {
+  if (!args.Has("--save")) throw UsageError("--save OUT.json is needed (nothing is kept otherwise)");
+  if (args.Value("--scene") == "-" && args.Positionals().front() == "-")
+    throw UsageError("only one of POINTS.txt and --scene can be standard input");
+}
+
+void SaveImportedScene(const Ref<Object>& app, const std::string& target) {
+  OutputFile out(target, ".json");
+  RefHost::SaveScene(app, out.Path());
+  out.Commit();
+}
+
+}  // namespace
+
+int ImportBSplineByDialog(const std::string& scene, const std::string& select, const std::string& save);
+
+namespace {
+
 int ImportBSplineCommand(const std::vector<std::string>& raw) {
   const Arguments args(raw, {"--scene", "--select", "--save"});
+  // Without a points file the import dialog asks for one (WindowCommands.cpp).
+  if (args.Positionals().empty()) {
+    const int status = ImportBSplineByDialog(args.Value("--scene"), args.Value("--select"), args.Value("--save"));
+    if (!args.Has("--save")) std::fprintf(stderr, "tktools import-bspline: nothing was saved (--save OUT.json keeps the scene)\n");
+    return status;
+  }
   if (args.Positionals().size() != 1) throw UsageError("one POINTS.txt file is needed");
   if (!args.Has("--scene")) throw UsageError("--scene is needed");
   if (!args.Has("--select")) throw UsageError("--select is needed");
+  CheckImportStreams(args);
   HeadlessUserInterface* ui = GetHeadlessUserInterface();
   if (!ui) throw CommandError("the user interface is not the headless one");
 
+  const InputFile sceneFile(args.Value("--scene"), ".json");
+  const InputFile pointsFile(args.Positionals().front(), ".txt");
   Ref<Object> app;
   try {
-    app = RefHost::LoadScene(args.Value("--scene"));
+    app = RefHost::LoadScene(sceneFile.Path());
   } catch (const AutomationError& e) {
     throw CommandError("cannot load the scene: " + e.Description());
   }
@@ -97,16 +138,16 @@ int ImportBSplineCommand(const std::vector<std::string>& raw) {
   selection.Call("Add", finder.found.front());
 
   const std::size_t before = ui->Messages().size();
-  ui->QueueFile(args.Positionals().front());
+  ui->QueueFile(pointsFile.Path());
   ui->QueueButton("Import");
   Ref<Object> imports = CreateObject("TessarkAO.TKImports");
   Variant call[] = {Variant(app)};
-  imports->Invoke("ImportBSpline", CallKind::Method, call);
+  Call(*imports, "ImportBSpline", CallKind::Method, call);
   const std::string problems = ExclamationsSince(before);
   if (!problems.empty()) throw CommandError(problems);
   if (ui->Messages().size() == before) throw CommandError("the file cannot be opened or holds no valid points");
 
-  if (args.Has("--save")) RefHost::SaveScene(app, args.Value("--save"));
+  SaveImportedScene(app, args.Value("--save"));
   return 0;
 }
 
@@ -149,6 +190,31 @@ std::vector<std::vector<std::string>> ReadCsv(const std::string& text) {
   return rows;
 }
 
+// -?(0|[1-9][0-9]*)(.[0-9]+)?([eE][+-]?[0-9]+)?: the way a number is
+// written, so that codes such as 007 or +1 keep their text.
+bool WrittenAsNumber(std::string_view f) {
+  std::size_t i = 0;
+  auto digits = [&] {
+    const std::size_t start = i;
+    while (i < f.size() && f[i] >= '0' && f[i] <= '9') ++i;
+    return i - start;
+  };
+  if (i < f.size() && f[i] == '-') ++i;
+  const std::size_t intStart = i;
+  const std::size_t intDigits = digits();
+  if (intDigits == 0 || (intDigits > 1 && f[intStart] == '0')) return false;
+  if (i < f.size() && f[i] == '.') {
+    ++i;
+    if (digits() == 0) return false;
+  }
+  if (i < f.size() && (f[i] == 'e' || f[i] == 'E')) {
+    ++i;
+    if (i < f.size() && (f[i] == '+' || f[i] == '-')) ++i;
+    if (digits() == 0) return false;
+  }
+  return i == f.size();
+}
+
 // A bill-of-materials table over the cells of a CSV file.
 class CsvTable final : public Dispatch<CsvTable> {
  public:
@@ -158,10 +224,10 @@ class CsvTable final : public Dispatch<CsvTable> {
         .Get<&CsvTable::Flags>("Flags")
         .Get<&CsvTable::Rows>("Rows")
         .Get<&CsvTable::Columns>("Columns")
-        .Method<&CsvTable::GetCellData>("GetCellData", Names{"Row", "Column"})
-        .Method<&CsvTable::GetFontName>("GetFontName", Names{"Row", "Column"})
-        .Method<&CsvTable::GetFontSize>("GetFontSize", Names{"Row", "Column"})
-        .Method<&CsvTable::GetFontFormat>("GetFontFormat", Names{"Row", "Column"});
+        .Method<&CsvTable::GetCellData>("GetCellData", Names{"Row", "Column"}, Out<1, 2>{})
+        .Method<&CsvTable::GetFontName>("GetFontName", Names{"Row", "Column"}, Out<1, 2>{})
+        .Method<&CsvTable::GetFontSize>("GetFontSize", Names{"Row", "Column"}, Out<1, 2>{})
+        .Method<&CsvTable::GetFontFormat>("GetFontFormat", Names{"Row", "Column"}, Out<1, 2>{});
   }
   CsvTable(std::vector<std::vector<std::string>> rows, std::string file)
       : rows_(std::move(rows)), file_(std::move(file)) {
@@ -171,13 +237,13 @@ class CsvTable final : public Dispatch<CsvTable> {
   std::int32_t Flags() { return 1; }
   std::int32_t Rows() { return static_cast<std::int32_t>(rows_.size()); }
   std::int32_t Columns() { return columns_; }
-  // A field that reads as a number is a number; anything else is text.
+  // A field written as a number is a number; anything else is text.
   Variant GetCellData(std::int32_t& r, std::int32_t& c) {
     const auto& row = rows_.at(static_cast<std::size_t>(r - 1));
     if (static_cast<std::size_t>(c) > row.size()) return Variant();
     const std::string& f = row[static_cast<std::size_t>(c - 1)];
     double v;
-    if (!f.empty() && ParseNumber(f, NumberLocale{}, v) == 0) return Variant(v);
+    if (WrittenAsNumber(f) && ParseNumber(f, NumberLocale{}, v) == 0) return Variant(v);
     return Variant(f);
   }
   std::string GetFontName(std::int32_t&, std::int32_t&) { return "Arial"; }
@@ -193,22 +259,27 @@ class CsvTable final : public Dispatch<CsvTable> {
 int ExportBomCommand(const std::vector<std::string>& raw) {
   const Arguments args(raw, {});
   if (args.Positionals().size() != 2) throw UsageError("BOM.csv and OUT.xlsx are needed");
-  std::ifstream in(args.Positionals()[0], std::ios::binary);
+  const InputFile csv(args.Positionals()[0]);
+  std::ifstream in(csv.Path(), std::ios::binary);
   if (!in) throw CommandError("cannot open '" + args.Positionals()[0] + "'");
   std::ostringstream text;
   text << in.rdbuf();
-  Ref<CsvTable> table = MakeRef<CsvTable>(ReadCsv(text.str()), args.Positionals()[1]);
+  // The workbook is saved under a name of the spreadsheet's liking (with
+  // its extension) and then given exactly the name asked for.
+  OutputFile out(args.Positionals()[1], ".xlsx");
+  Ref<CsvTable> table = MakeRef<CsvTable>(ReadCsv(text.str()), out.Path());
   if (table->Columns() > 26) throw CommandError("the exporter writes at most 26 columns (A to Z)");
 
   HeadlessUserInterface* ui = GetHeadlessUserInterface();
   const std::size_t before = ui ? ui->Messages().size() : 0;
   Ref<Object> exports = CreateObject("TessarkAO.TKExports");
   Variant call[] = {Variant(table)};
-  exports->Invoke("ExportBOMToExcel", CallKind::Method, call);
+  Call(*exports, "ExportBOMToExcel", CallKind::Method, call);
   if (ui) {
     const std::string problems = ExclamationsSince(before);
     if (!problems.empty()) throw CommandError(problems);
   }
+  out.Commit();
   return 0;
 }
 

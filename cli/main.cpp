@@ -12,6 +12,7 @@
 
 #include "Command.hpp"
 #include "automation/AutomationError.hpp"
+#include "platform/Registry.hpp"
 
 namespace TessarkAO::Cli {
 int RunScript(const std::vector<std::string>& args);
@@ -24,6 +25,8 @@ int TreeRun(const std::vector<std::string>& args);
 extern const std::string_view kTreeUsage;
 int RegRun(const std::vector<std::string>& args);
 extern const std::string_view kRegUsage;
+int ViewRun(const std::vector<std::string>& args);
+extern const std::string_view kViewUsage;
 }  // namespace TessarkAO::Cli
 
 namespace {
@@ -65,6 +68,7 @@ const Command kCommands[] = {
     {"tree", "print the scene viewer's tree of a scene file", kTreeUsage, &TreeRun},
     {"reg", "import, export, read and write the registry store", kRegUsage, &RegRun},
     {"import-bspline", "import a fit-point file as a B-spline into a scene", kImportUsage, &ImportBSplineRun},
+    {"view", "show the scene viewer on a scene file (needs a display)", kViewUsage, &ViewRun},
     {"export-bom", "write a bill of materials from a CSV file to an .xlsx workbook", kExportUsage, &ExportBomRun},
 };
 
@@ -78,7 +82,7 @@ void PrintOverview(std::FILE* out) {
   for (const Command& c : kCommands)
     std::fprintf(out, "  %-16.*s %.*s\n", static_cast<int>(c.name.size()), c.name.data(),
                  static_cast<int>(c.summary.size()), c.summary.data());
-  std::fprintf(out, "\n'tktools <command> --help' describes a command.\n");
+  std::fprintf(out, "\n'tktools <command> --help' describes a command; 'tktools --version' names the version.\n");
 }
 
 }  // namespace
@@ -91,6 +95,10 @@ int main(int argc, char** argv) {
   }
   if (args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
     PrintOverview(stdout);
+    return 0;
+  }
+  if (args[0] == "--version") {
+    std::printf("tktools (TessarkAO) %s\n", TK_VERSION);
     return 0;
   }
   const Command* command = nullptr;
@@ -109,17 +117,23 @@ int main(int argc, char** argv) {
     }
   }
   const std::string name(command->name);
+  // Whatever the command wrote to the registry store is in the store's main
+  // file when it ends, even if it fails.
+  struct FlushStore {
+    ~FlushStore() { TessarkAO::FlushRegistry(); }
+  } flushStore;
   try {
     return command->run(args);
   } catch (const UsageError& e) {
     std::fprintf(stderr, "tktools %s: %s (see tktools %s --help)\n", name.c_str(), e.what(), name.c_str());
     return 2;
-  } catch (const TessarkAO::AutomationError& e) {
+  } catch (const CommandError& e) {
+    std::fprintf(stderr, "tktools %s: %s\n", name.c_str(), ValidText(e.what()).c_str());
+    return 1;
+  } catch (...) {
+    const TessarkAO::AutomationError e = TessarkAO::CurrentError();
     std::fprintf(stderr, "tktools %s: %s (error %d)\n", name.c_str(), ValidText(e.Description()).c_str(),
                  static_cast<int>(e.Number()));
-    return 1;
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "tktools %s: %s\n", name.c_str(), ValidText(e.what()).c_str());
     return 1;
   }
 }

@@ -8,6 +8,11 @@ drives the spreadsheet application ("Excel.Application") late-bound.
 """
 import os
 import sys
+from typing import Any
+
+import tessarkao as tk
+
+app: Any = globals()["app"]  # the application `tktools run` hands the script
 
 out_dir = sys.argv[1] if len(sys.argv) > 1 else "out"
 os.makedirs(out_dir, exist_ok=True)
@@ -21,9 +26,10 @@ tree.Scene = page
 count = tree.NumberOfShapes()  # its one argument is optional: the call form reads it
 
 table = tk.CreateObject("TessarkAO.TKColumnSet")
-kind = table.AddColumn(3)   # strings
-name = table.AddColumn(3)
-depth = table.AddColumn(1)  # doubles
+String, Double = tk.TKColumnTypes.TKColumnType_String, tk.TKColumnTypes.TKColumnType_Double
+kind = table.AddColumn(String)
+name = table.AddColumn(String)
+depth = table.AddColumn(Double)
 for i in range(1, count + 1):
     shape = tree.Shape[i, 0]
     table.AddRow()
@@ -32,7 +38,8 @@ for i in range(1, count + 1):
     name.SetAt(row, shape.Name or "(unnamed)")
     depth.SetAt(row, float(tree.ShapeDepth[i, 0]))
 
-sorted_ok = table.Sort(1, 1, 2) if count > 1 else True  # ascending, on type then name
+# Ascending, on type (column 1) then name (column 2).
+sorted_ok = table.Sort(tk.TKColumnSetSort.TKColumnSetSort_Ascending, 1, 2) if count > 1 else True
 
 
 class BillOfMaterials:

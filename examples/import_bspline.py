@@ -7,10 +7,15 @@ point file, Import is pressed) through tk.ui.  The curve the host now holds
 is read back with TKProfile and drawn, with its fit points, into OUT/cam_track.svg.
 The default point file, examples/data/cam_track.txt, is a closed track
 (its last point repeats the first) exported by a measuring machine.
-`app` (the reference-host application) and `tk` are provided by tktools.
+`app` (the reference-host application) is provided by tktools.
 """
 import os
 import sys
+from typing import Any
+
+import tessarkao as tk
+
+app: Any = globals()["app"]  # the application `tktools run` hands the script
 
 out_dir = sys.argv[1] if len(sys.argv) > 1 else "out"
 points_file = sys.argv[2] if len(sys.argv) > 2 else os.path.join(os.path.dirname(os.path.abspath(__file__)), "data", "cam_track.txt")

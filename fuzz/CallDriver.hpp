@@ -33,6 +33,7 @@
 #include <vector>
 
 #include "automation/AutomationError.hpp"
+#include "automation/Call.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
 #include "automation/Members.hpp"
@@ -220,7 +221,8 @@ class CallDriver {
       args[i] = c_.Chance(3) ? Variant::ByRef(storage[i]) : storage[i];
     }
     try {
-      Variant r = id != DispIdUnknown ? target->InvokeId(id, kind, args) : target->Invoke(name, kind, args);
+      // The one call path that every front end takes.
+      Variant r = id != DispIdUnknown ? Call(*target, id, kind, args) : Call(*target, name, kind, args);
       Keep(r);
       for (const Variant& a : storage) Keep(a);
       return false;

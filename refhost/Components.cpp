@@ -156,7 +156,7 @@ void HostFaceList::Describe(ClassBuilder<HostFaceList>& b) {
       .Method<&HostFaceList::Item>("Item", Names{"Index"})
       .Default()
       .Method<&HostFaceList::Add>("Add")
-      .Method<&HostFaceList::IsMember>("IsMember", Names{"Face"});
+      .Method<&HostFaceList::IsMember>("IsMember", Names{"Face"}, Out<1>{});
 }
 
 Ref<Object> HostFaceList::Item(std::int32_t index) const {
@@ -201,15 +201,15 @@ void HostBendComponent::Describe(ClassBuilder<HostBendComponent>& b) {
       .Property<&C::GetVar<6>, &C::LetVar<6>>("ReliefWidth")
       .Property<&C::GetVar<7>, &C::LetVar<7>>("ReliefDepth")
       .Property<&C::GetVar<8>, &C::LetSuppressedReliefs>("SuppressedReliefs")
-      .Method<&C::SetExtrudeDistance>("SetExtrudeDistance", Names{"Index", "Distance"})
+      .Method<&C::SetExtrudeDistance>("SetExtrudeDistance", Names{"Index", "Distance"}, Out<1, 2>{})
       .Method<&C::GetExtrudeDistance>("GetExtrudeDistance", Names{"Index"})
-      .Method<&C::SetStockSegmentLength>("SetStockSegmentLength", Names{"Index", "Length"})
+      .Method<&C::SetStockSegmentLength>("SetStockSegmentLength", Names{"Index", "Length"}, Out<1, 2>{})
       .Method<&C::GetStockSegmentLength>("GetStockSegmentLength", Names{"Index"})
-      .Method<&C::SetCornerReliefDepth>("SetCornerReliefDepth", Names{"Index", "Depth"})
+      .Method<&C::SetCornerReliefDepth>("SetCornerReliefDepth", Names{"Index", "Depth"}, Out<1, 2>{})
       .Method<&C::GetCornerReliefDepth>("GetCornerReliefDepth", Names{"Index"})
-      .Method<&C::SetCornerReliefType>("SetCornerReliefType", Names{"Index", "Type"})
+      .Method<&C::SetCornerReliefType>("SetCornerReliefType", Names{"Index", "Type"}, Out<1, 2>{})
       .Method<&C::GetCornerReliefType>("GetCornerReliefType", Names{"Index"})
-      .Method<&C::SetCornerReliefOrientation>("SetCornerReliefOrientation", Names{"Index", "Orientation"})
+      .Method<&C::SetCornerReliefOrientation>("SetCornerReliefOrientation", Names{"Index", "Orientation"}, Out<1, 2>{})
       .Method<&C::GetCornerReliefOrientation>("GetCornerReliefOrientation", Names{"Index"})
       .Method<&C::Initialize>("Initialize")
       .Get<&C::Initialized>("Initialized");

@@ -375,7 +375,7 @@ class HostShape final : public HostDispatch<HostShape, ComponentHolder> {
                            double& angle) const;
   void GetPointTransformDown(Ref<Object>& child, double& x, double& y, double& z, double& rx, double& ry,
                              double& rz, double& angle) const;
-  void Rotate(std::int32_t& axis, double& angle);
+  void Rotate(std::int32_t axis, double angle);
   void Shift(double& dx, double& dy, double& dz, bool& useParent);
   void GetNormal(double& x, double& y, double& z) const;
   void ResetSizeBox();

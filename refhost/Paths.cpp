@@ -80,14 +80,14 @@ void HostPath::Describe(ClassBuilder<HostPath>& b) {
       .Property<&HostPath::Closed, &HostPath::LetClosed>("Closed")
       .Property<&HostPath::Construction, &HostPath::LetConstruction>("Construction")
       .Get<&HostPath::Curves>("Curves")
-      .Method<&HostPath::SetStartPoint>("SetStartPoint", Names{"X", "Y"})
-      .Method<&HostPath::AddLineTo>("AddLineTo", Names{"X", "Y"})
-      .Method<&HostPath::AddArcTo>("AddArcTo", Names{"X", "Y", "HFactor"})
-      .Method<&HostPath::AddSplineTo>("AddSplineTo", Names{"X", "Y", "Tan1X", "Tan1Y", "Tan2X", "Tan2Y"})
+      .Method<&HostPath::SetStartPoint>("SetStartPoint", Names{"X", "Y"}, Out<1, 2>{})
+      .Method<&HostPath::AddLineTo>("AddLineTo", Names{"X", "Y"}, Out<1, 2>{})
+      .Method<&HostPath::AddArcTo>("AddArcTo", Names{"X", "Y", "HFactor"}, Out<1, 2, 3>{})
+      .Method<&HostPath::AddSplineTo>("AddSplineTo", Names{"X", "Y", "Tan1X", "Tan1Y", "Tan2X", "Tan2Y"}, Out<1, 2, 3, 4, 5, 6>{})
       .Method<&HostPath::AddEllipse>("AddEllipse", Names{"CenterX", "CenterY", "Radius", "XPt", "YPt"},
-                                     Opt{Variant::Missing(), Variant::Missing()})
-      .Method<&HostPath::AddBSplineTo>("AddBSplineTo", Names{"X", "Y"})
-      .Method<&HostPath::AddFilletAt>("AddFilletAt", Names{"Position", "Radius"});
+                                     Opt{Variant::Missing(), Variant::Missing()}, Out<1, 2, 3>{})
+      .Method<&HostPath::AddBSplineTo>("AddBSplineTo", Names{"X", "Y"}, Out<1, 2>{})
+      .Method<&HostPath::AddFilletAt>("AddFilletAt", Names{"Position", "Radius"}, Out<1, 2>{});
 }
 
 HostPath::HostPath() : HostDispatch(ComponentType::Path, std::span<const VarDef>()), start_(StartVarDefs()) {}
@@ -278,9 +278,9 @@ void HostCurve::Describe(ClassBuilder<HostCurve>& b) {
       .Get<&HostCurve::Periodic>("Periodic")
       .Get<&HostCurve::Degree>("Degree")
       .Get<&HostCurve::ControlPoints>("ControlPoints")
-      .Method<&HostCurve::GetControlPoint>("GetControlPoint", Names{"Index", "X", "Y"})
+      .Method<&HostCurve::GetControlPoint>("GetControlPoint", Names{"Index", "X", "Y"}, Out<2, 3>{})
       .Get<&HostCurve::FitPoints>("FitPoints")
-      .Method<&HostCurve::GetFitPoint>("GetFitPoint", Names{"Index", "X", "Y"})
+      .Method<&HostCurve::GetFitPoint>("GetFitPoint", Names{"Index", "X", "Y"}, Out<2, 3>{})
       .Get<&HostCurve::Knots>("Knots")
       .Method<&HostCurve::GetKnot>("GetKnot", Names{"Index"})
       .Get<&HostCurve::Weights>("Weights")

@@ -115,14 +115,14 @@ void HostShape::Describe(ClassBuilder<HostShape>& b) {
       .Get<&HostShape::Page>("Page")
       .Get<&HostShape::Application>("Application")
       .Get<&HostShape::BoundingBox>("BoundingBox")
-      .Method<&HostShape::GetLocalToParentXform>("GetLocalToParentXform", Names{"Values"})
+      .Method<&HostShape::GetLocalToParentXform>("GetLocalToParentXform", Names{"Values"}, Out<1>{})
       .Method<&HostShape::GetPointTransformUp>("GetPointTransformUp",
-                                               Names{"X", "Y", "Z", "RotX", "RotY", "RotZ", "RotAngle"})
+                                               Names{"X", "Y", "Z", "RotX", "RotY", "RotZ", "RotAngle"}, Out<1, 2, 3, 4, 5, 6, 7>{})
       .Method<&HostShape::GetPointTransformDown>(
-          "GetPointTransformDown", Names{"Child", "X", "Y", "Z", "RotX", "RotY", "RotZ", "RotAngle"})
+          "GetPointTransformDown", Names{"Child", "X", "Y", "Z", "RotX", "RotY", "RotZ", "RotAngle"}, Out<1, 2, 3, 4, 5, 6, 7, 8>{})
       .Method<&HostShape::Rotate>("Rotate", Names{"Axis", "Angle"})
-      .Method<&HostShape::Shift>("Shift", Names{"X", "Y", "Z", "UseParent"}, Opt{false})
-      .Method<&HostShape::GetNormal>("GetNormal", Names{"X", "Y", "Z"})
+      .Method<&HostShape::Shift>("Shift", Names{"X", "Y", "Z", "UseParent"}, Opt{false}, Out<1, 2, 3, 4>{})
+      .Method<&HostShape::GetNormal>("GetNormal", Names{"X", "Y", "Z"}, Out<1, 2, 3>{})
       .Method<&HostShape::ResetSizeBox>("ResetSizeBox")
       .Method<&HostShape::RealignAnchor>("RealignAnchor")
       .Method<&HostShape::Update>("Update")
@@ -285,7 +285,7 @@ void HostShape::WritePosition(Vec3 positionCm, const Mat3* rotation) {
 
 // Turns the shape by `angle` radians about the parent's X (1), Y (2) or Z (3)
 // axis through the shape's position point.
-void HostShape::Rotate(std::int32_t& axis, double& angle) {
+void HostShape::Rotate(std::int32_t axis, double angle) {
   if (axis < 1 || axis > 3) Raise(Err::InvalidCall, "Rotate takes axis 1 (X), 2 (Y) or 3 (Z)");
   if (!std::isfinite(angle)) Raise(Err::Overflow);
   const Vec3 e{axis == 1 ? 1.0 : 0.0, axis == 2 ? 1.0 : 0.0, axis == 3 ? 1.0 : 0.0};
@@ -584,10 +584,10 @@ void HostContainerComponent::RemoveShape(HostShape* shape) {
 
 void HostShapeList::Describe(ClassBuilder<HostShapeList>& b) {
   b.Get<&HostShapeList::Count>("Count")
-      .Method<&HostShapeList::Item>("Item", Names{"Index"})
+      .Method<&HostShapeList::Item>("Item", Names{"Index"}, Out<1>{})
       .Default()
       .Method<&HostShapeList::Add>("Add", Names{"Kind"}, Opt{Variant::Missing()})
-      .Method<&HostShapeList::Remove>("Remove", Names{"Shape"});
+      .Method<&HostShapeList::Remove>("Remove", Names{"Shape"}, Out<1>{});
 }
 
 Ref<Object> HostShapeList::Item(std::int32_t& index) const {

@@ -8,6 +8,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 export CCACHE_BASEDIR="$PWD"
+# The main job runs unattended: no windows even where a display is set.
+export TESSARKAO_UI=headless
 cmake --preset release >/dev/null
 cmake --build --preset release -j "$(nproc)" --target tktools tessarkao_python
 out="$(realpath -m "${1:-out}")"

@@ -10,7 +10,9 @@
 #      client test of the registered DLL and the VBScript tests (each must end
 #      with its SENTINEL line: the script host prints nothing and exits 0 when
 #      a script dies), then the dispatch benchmark;
-#   5. unregisters the DLL and checks that no key of it is left.
+#   5. builds, registers and tests the 32-bit DLL beside it (WoW64), and
+#      round-trips .reg files with Wine's regedit (scripts/windows-leg/);
+#   6. unregisters the DLL and checks that no key of it is left.
 #
 # Every check prints one PASS / FAIL / SKIP line; the leg ends with
 # "N passed, M failed, K skipped" and exits non-zero on any failure.
@@ -136,6 +138,11 @@ for test in tests/com/wine/*.vbs; do
     fail_step "$name did not reach its end (a script error stops it silently)"
   fi
 done
+
+# The 32-bit server in the same prefix, and .reg files against regedit.
+source scripts/windows-leg/wow64.sh && wow64_leg
+source scripts/windows-leg/regedit.sh && regedit_round_trips
+note "dialogs on a virtual display"; out=$(scripts/windows-dialogs.sh "$bin" out/screens); echo "$out"; count "$out"
 
 note "dispatch benchmark"
 run_wine "$bin/com_dispatch_bench.exe" || fail_step "com_dispatch_bench"

@@ -208,13 +208,9 @@ PyObject* TranslateException() noexcept {
   } catch (const AutomationError& e) {
     SetPythonError(e);
   } catch (const py::builtin_exception& e) {
-    e.set_error();
-  } catch (const std::bad_alloc&) {
-    PyErr_NoMemory();
-  } catch (const std::exception& e) {
-    PyErr_SetString(PyExc_RuntimeError, e.what());
+    e.set_error();  // the module's own complaints about Python values
   } catch (...) {
-    PyErr_SetString(PyExc_RuntimeError, "unknown C++ exception");
+    SetPythonError(CurrentError());
   }
   return nullptr;
 }

@@ -6,6 +6,7 @@
 
 #include "Values.hpp"
 #include "automation/AutomationError.hpp"
+#include "automation/IdentityMap.hpp"
 #include "automation/Members.hpp"
 #include "automation/Variant.hpp"
 
@@ -16,9 +17,9 @@ namespace {
 class PyHostObject;
 
 // Python object to its host object, so that one Python object is one host
-// object.  Touched only with the GIL held.
-std::unordered_map<PyObject*, PyHostObject*>& Registry() {
-  static auto* map = new std::unordered_map<PyObject*, PyHostObject*>();  // lives with the process
+// object.
+IdentityMap<PyObject, PyHostObject>& Registry() {
+  static auto* map = new IdentityMap<PyObject, PyHostObject>();  // lives with the process
   return *map;
 }
 
@@ -109,14 +110,13 @@ class PyHostObject final : public Object {
  public:
   explicit PyHostObject(PyObject* target) : target_(target) {
     Py_INCREF(target_);
-    Registry()[target_] = this;
   }
 
   ~PyHostObject() override {
     // After the interpreter has gone there is nothing left to release.
     if (!Py_IsInitialized() || _Py_IsFinalizing()) return;
     PyGILState_STATE state = PyGILState_Ensure();
-    Registry().erase(target_);
+    Registry().Erase(target_, this);
     Py_DECREF(target_);
     PyGILState_Release(state);
   }
@@ -234,9 +234,17 @@ class PyHostObject final : public Object {
 }  // namespace
 
 Ref<Object> WrapHostObject(py::handle target) {
-  auto& registry = Registry();
-  if (auto it = registry.find(target.ptr()); it != registry.end()) return Ref<Object>(it->second);
-  return Ref<Object>(new PyHostObject(target.ptr()));
+  // Both ways the map hands the host object over with one reference added.
+  PyHostObject* host = Registry().FindOrAdd(
+      target.ptr(), [](PyHostObject* h) { return h->TryAddRef(); },
+      [&] {
+        auto* h = new PyHostObject(target.ptr());
+        h->AddRef();
+        return h;
+      });
+  Ref<Object> ref(host);
+  host->Release();
+  return ref;
 }
 
 PyObject* HostTarget(const Object* object) noexcept {

@@ -1,11 +1,14 @@
 // The extension module tessarkao._core: everything the package exports.
+#include <cstdlib>
 #include <pybind11/stl.h>
 
+#include "Docs.hpp"
 #include "Proxy.hpp"
 #include "Signatures.hpp"
 #include "Values.hpp"
 #include "automation/Catalogue.hpp"
 #include "frame/ClassCatalogue.hpp"
+#include "tessarkao/Version.hpp"
 
 namespace TessarkAO::Python {
 
@@ -46,10 +49,15 @@ PYBIND11_MODULE(_core, m) {
   m.doc() = "The TessarkAO automation library: library classes created by identifier and "
             "called late-bound by member name.";
   LibraryClasses();  // installs the catalogue of the library's classes
+  // Scripts drive the dialogs through tk.ui: headless unless the caller
+  // asks for windows (TESSARKAO_UI=windows) before the module loads.
+  ::setenv("TESSARKAO_UI", "headless", 0);
+  m.attr("__version__") = TESSARKAO_VERSION_STRING;
 
   RegisterErrors(m);
   RegisterValues(m);
   RegisterProxy(m);
+  RegisterDocs(m);
   RegisterUi(m);
 #ifdef TK_WITH_REFHOST
   RegisterRefHost(m);

@@ -8,7 +8,9 @@
 
 #include <unordered_map>
 
+#include "Docs.hpp"
 #include "Signatures.hpp"
+#include "automation/Call.hpp"
 #include "automation/Convert.hpp"
 
 namespace TessarkAO::Python {
@@ -66,14 +68,6 @@ DispId LookupId(Object* o, const ClassInfo* cls, PyObject* name, std::string_vie
   return id;
 }
 
-// A property read at once on attribute access: no arguments to give.
-bool ReadsAtOnce(const MemberInfo& m) {
-  if (m.isMethod) return false;
-  if (m.get) return m.get.params.empty();
-  const Accessor& put = m.let ? m.let : m.set;
-  return put.params.size() <= 1;  // write-only: reading raises 438 as it should
-}
-
 std::string_view Utf8(PyObject* str) {
   Py_ssize_t n = 0;
   const char* s = PyUnicode_AsUTF8AndSize(str, &n);
@@ -83,24 +77,17 @@ std::string_view Utf8(PyObject* str) {
 
 // ----- Calls -------------------------------------------------------------------------
 
-// Places keyword arguments by parameter name (case-insensitive); the gaps
-// they leave are omitted optional arguments.
+// Places keyword arguments at their parameters' positions; the gaps they
+// leave are omitted optional arguments.
 std::vector<PyObject*> MergeKeywords(const MemberInfo* m, CallKind kind, PyObject* const* items, std::size_t n,
                                      PyObject* kwargs) {
   std::vector<PyObject*> merged(items, items + n);
-  const Accessor* acc = nullptr;
-  if (m) acc = (kind == CallKind::Let || kind == CallKind::Set) ? (m->let ? &m->let : &m->set) : &m->get;
-  if (!acc || !*acc) throw py::type_error("named arguments need a member with named parameters");
   PyObject* key = nullptr;
   PyObject* value = nullptr;
   Py_ssize_t pos = 0;
   while (PyDict_Next(kwargs, &pos, &key, &value)) {
     const std::string_view kw = Utf8(key);
-    std::size_t index = acc->params.size();
-    for (std::size_t i = 0; i < acc->params.size(); ++i)
-      if (EqualsNoCase(acc->params[i].name, kw)) index = i;
-    if (index == acc->params.size())
-      throw AutomationError(448, "Named argument not found: " + std::string(kw));
+    const std::size_t index = NamedPosition(m, kind, kw);
     if (index >= merged.size()) merged.resize(index + 1, nullptr);
     if (merged[index]) throw py::type_error("argument " + std::string(kw) + " given twice");
     merged[index] = value;
@@ -123,11 +110,11 @@ PyObject* CallMember(Object* o, DispId id, const MemberInfo* m, CallKind kind, P
     CallArgs args(items, n);
     if (value) {
       args.Append(value);
-      kind = args.Span().back().IsObject() ? CallKind::Set : CallKind::Let;
+      kind = AssignmentKind(args.Span().back());
     }
     Variant r;
     try {
-      r = o->InvokeId(id, kind, args.Span());
+      r = Call(*o, id, kind, args.Span());
     } catch (...) {
       try {
         args.WriteBack();
@@ -196,10 +183,9 @@ PyObject* ProxyGetAttr(PyObject* self, PyObject* name) {
       return nullptr;
     }
     const MemberInfo* m = cls ? cls->Member(id) : nullptr;
-    if (m && !ReadsAtOnce(*m)) return NewBound(self, id, m, name);
-    Ref<Object> keep(o);
+    if (m && !IsPlainProperty(*m)) return NewBound(self, id, m, name);
     try {
-      return FromVariant(o->InvokeId(id, CallKind::Get, {})).release().ptr();
+      return FromVariant(Call(*o, id, CallKind::Get, {})).release().ptr();
     } catch (const AutomationError& e) {
       // A member the table does not describe and that wants arguments is
       // handed out bound, to be called or indexed.
@@ -341,7 +327,7 @@ void BoundDealloc(PyObject* self) {
 
 PyObject* BoundCall(PyObject* self, PyObject* args, PyObject* kwargs) {
   BoundObject* b = Bound(self);
-  const CallKind kind = b->member && !b->member->isMethod ? CallKind::Get : CallKind::Method;
+  const CallKind kind = ResolveKind(b->member, CallKind::Method);
   return CallMember(Target(b->owner), b->id, b->member, kind, &PyTuple_GET_ITEM(args, 0),
                     static_cast<std::size_t>(PyTuple_GET_SIZE(args)), kwargs, nullptr);
 }
@@ -382,6 +368,7 @@ PyObject* BoundRepr(PyObject* self) {
 PyObject* BoundDoc(PyObject* self, void*) {
   BoundObject* b = Bound(self);
   if (!b->member) Py_RETURN_NONE;
+  if (PyObject* doc = BoundMemberDoc(b->owner, b->member)) return doc;
   const std::string text = SignatureText(*b->member);
   return PyUnicode_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size()));
 }
@@ -400,7 +387,12 @@ PyObject* BoundSelf(PyObject* self, void*) {
   return owner;
 }
 
+PyObject* BoundSignature(PyObject* self, void*) {
+  return BoundMemberSignature(Bound(self)->owner, Bound(self)->member);
+}
+
 PyGetSetDef kBoundGetSet[] = {
+    {"__signature__", BoundSignature, nullptr, "The member's signature for inspect.", nullptr},
     {"__doc__", BoundDoc, nullptr, "The member's signature.", nullptr},
     {"__name__", BoundName, nullptr, "The member's name.", nullptr},
     {"__self__", BoundSelf, nullptr, "The object the member is bound to.", nullptr},
@@ -438,12 +430,14 @@ PyType_Slot kBoundSlots[] = {
 
 // ----- Public ---------------------------------------------------------------------------
 
-bool IsProxy(PyObject* o) noexcept { return Py_TYPE(o) == g_proxyType; }
+bool IsProxy(PyObject* o) noexcept { return PyObject_TypeCheck(o, g_proxyType); }
 
 Object* ProxyTarget(PyObject* proxy) noexcept { return Target(proxy); }
 
 py::object NewProxy(Ref<Object> object) {
-  ProxyObject* p = PyObject_New(ProxyObject, g_proxyType);
+  // tp_alloc: a class's proxy type (Docs.hpp) is a heap subtype with GC support.
+  PyTypeObject* type = ProxyTypeFor(object->Class(), g_proxyType);
+  auto* p = reinterpret_cast<ProxyObject*>(type->tp_alloc(type, 0));
   if (!p) throw py::error_already_set();
   p->object = object.detach();
   p->weakrefs = nullptr;
@@ -476,13 +470,12 @@ void CallArgs::WriteBack() {
 }
 
 Variant InvokeRaw(Object& object, py::handle nameOrId, CallKind kind, CallArgs& args) {
-  Ref<Object> keep(&object);
   Variant r;
   try {
     if (PyLong_Check(nameOrId.ptr()))
-      r = object.InvokeId(nameOrId.cast<DispId>(), kind, args.Span());
+      r = Call(object, nameOrId.cast<DispId>(), kind, args.Span());
     else
-      r = object.Invoke(TextFromPython(py::str(nameOrId).ptr()), kind, args.Span());
+      r = Call(object, TextFromPython(py::str(nameOrId).ptr()), kind, args.Span());
   } catch (...) {
     try {
       args.WriteBack();
@@ -496,7 +489,8 @@ Variant InvokeRaw(Object& object, py::handle nameOrId, CallKind kind, CallArgs& 
 
 void RegisterProxy(py::module_& m) {
   PyType_Spec proxySpec = {"tessarkao.Object", sizeof(ProxyObject), 0,
-                           Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, kProxySlots};
+                           Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_DISALLOW_INSTANTIATION,
+                           kProxySlots};  // subclassed once per class (Docs.hpp)
   PyType_Spec boundSpec = {"tessarkao.BoundMember", sizeof(BoundObject), 0,
                            Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, kBoundSlots};
   g_proxyType = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&proxySpec));

@@ -1,5 +1,6 @@
 #include "Signatures.hpp"
 
+#include "automation/Call.hpp"
 #include "automation/Convert.hpp"
 
 namespace TessarkAO::Python {
@@ -46,7 +47,7 @@ std::string SignatureText(const MemberInfo& m) {
     return s;
   }
   // A property: its arguments are the get's, or the let's / set's less the value.
-  const Accessor& put = m.let ? m.let : m.set;
+  const Accessor& put = PutAccessor(m);
   std::string args;
   std::size_t argCount = 0;
   VarType type = VarType::Variant;

@@ -55,29 +55,6 @@ State g;
 using u128 = unsigned __int128;
 constexpr u128 kDecimalMax = (static_cast<u128>(0xFFFFFFFFu) << 64) | 0xFFFFFFFFFFFFFFFFull;
 
-// Days from 1970-01-01 of a proleptic Gregorian date, and back.
-std::int64_t DaysFromCivil(std::int64_t y, unsigned m, unsigned d) {
-  y -= m <= 2;
-  const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-  const unsigned yoe = static_cast<unsigned>(y - era * 400);
-  const unsigned doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-  const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-  return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
-}
-void CivilFromDays(std::int64_t z, int& y, int& m, int& d) {
-  z += 719468;
-  const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const unsigned doe = static_cast<unsigned>(z - era * 146097);
-  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const std::int64_t yy = static_cast<std::int64_t>(yoe) + era * 400;
-  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const unsigned mp = (5 * doy + 2) / 153;
-  d = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
-  m = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
-  y = static_cast<int>(yy + (m <= 2));
-}
-constexpr std::int64_t kEpochOffset = 25569;  // 1970-01-01 as a date serial
-
 // A date serial counts whole days from 1899-12-30; its fraction is the time
 // of day, also for negative serials (-1.25 is 1899-12-29 06:00).
 py::object DateToPython(Date date) {
@@ -90,9 +67,9 @@ py::object DateToPython(Date date) {
     micros = 0;
     days += 1;
   }
-  int y, m, d;
-  CivilFromDays(days - kEpochOffset, y, m, d);
-  if (y < 1 || y > 9999) Raise(Err::Overflow);
+  const CivilDay c = CivilDayOfSerial(days);
+  if (c.year < 1 || c.year > 9999) Raise(Err::Overflow);
+  const int y = static_cast<int>(c.year), m = c.month, d = c.day;
   const int us = static_cast<int>(micros % 1000000);
   const std::int64_t secs = micros / 1000000;
   PyObject* r = PyDateTime_FromDateAndTime(y, m, d, static_cast<int>(secs / 3600),
@@ -103,9 +80,7 @@ py::object DateToPython(Date date) {
 
 Date DateFromPython(PyObject* o) {
   const std::int64_t days =
-      DaysFromCivil(PyDateTime_GET_YEAR(o), static_cast<unsigned>(PyDateTime_GET_MONTH(o)),
-                    static_cast<unsigned>(PyDateTime_GET_DAY(o))) +
-      kEpochOffset;
+      SerialOfCivilDay(PyDateTime_GET_YEAR(o), PyDateTime_GET_MONTH(o), PyDateTime_GET_DAY(o));
   double frac = 0.0;
   if (PyDateTime_Check(o)) {
     const double secs = PyDateTime_DATE_GET_HOUR(o) * 3600.0 + PyDateTime_DATE_GET_MINUTE(o) * 60.0 +

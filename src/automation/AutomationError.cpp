@@ -1,6 +1,7 @@
 #include "automation/AutomationError.hpp"
 
 #include <array>
+#include <new>
 #include <utility>
 
 namespace TessarkAO {
@@ -11,7 +12,7 @@ struct Entry {
   std::string_view text;
 };
 // The classic runtime's texts for the numbers this library can raise or pass on.
-constexpr std::array<Entry, 44> kDescriptions = {{
+constexpr std::array<Entry, 47> kDescriptions = {{
     {3, "Return without GoSub"},
     {5, "Invalid procedure call or argument"},
     {6, "Overflow"},
@@ -48,11 +49,14 @@ constexpr std::array<Entry, 44> kDescriptions = {{
     {91, "Object variable or With block variable not set"},
     {92, "For loop not initialized"},
     {94, "Invalid use of Null"},
+    {326, "Resource with identifier not found"},
+    {380, "Invalid property value"},
     {424, "Object required"},
     {429, "ActiveX component can't create object"},
     {430, "Class does not support Automation or does not support expected interface"},
     {438, "Object doesn't support this property or method"},
     {440, "Automation error"},
+    {448, "Named argument not found"},
     {449, "Argument not optional"},
     {450, "Wrong number of arguments or invalid property assignment"},
     {451, "Property let procedure not defined and property get procedure did not return an object"},
@@ -93,6 +97,54 @@ int32_t AutomationError::NumberFromHResult(uint32_t hresult) noexcept {
 void Raise(int32_t number) { throw AutomationError(number); }
 void Raise(int32_t number, std::string description) {
   throw AutomationError(number, std::move(description));
+}
+
+AutomationError CurrentError(std::string_view source) {
+  try {
+    throw;
+  } catch (AutomationError& e) {
+    if (e.Source().empty() && !source.empty()) e.SetSource(std::string(source));
+    return e;
+  } catch (const std::bad_alloc&) {
+    return AutomationError(Err::OutOfMemory, std::string(StandardDescription(Err::OutOfMemory)),
+                           std::string(source));
+  } catch (const std::exception& e) {
+    return AutomationError(Err::AutomationFailure, ValidUtf8(e.what()), std::string(source));
+  } catch (...) {
+    return AutomationError(Err::AutomationFailure,
+                           std::string(StandardDescription(Err::AutomationFailure)), std::string(source));
+  }
+}
+
+std::string ValidUtf8(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  const auto* p = reinterpret_cast<const unsigned char*>(text.data());
+  const std::size_t n = text.size();
+  for (std::size_t i = 0; i < n;) {
+    const unsigned char c = p[i];
+    std::size_t len = 0;
+    std::uint32_t cp = 0, min = 0;
+    if (c < 0x80) len = 1, cp = c;
+    else if ((c & 0xE0) == 0xC0) len = 2, cp = c & 0x1F, min = 0x80;
+    else if ((c & 0xF0) == 0xE0) len = 3, cp = c & 0x0F, min = 0x800;
+    else if ((c & 0xF8) == 0xF0) len = 4, cp = c & 0x07, min = 0x10000;
+    bool ok = len != 0 && i + len <= n;
+    for (std::size_t k = 1; ok && k < len; ++k) {
+      if ((p[i + k] & 0xC0) != 0x80) ok = false;
+      else cp = (cp << 6) | (p[i + k] & 0x3F);
+    }
+    // Overlong forms, UTF-16 surrogates and values past U+10FFFF are not UTF-8.
+    if (ok && (cp < min || (cp >= 0xD800 && cp <= 0xDFFF) || cp > 0x10FFFF)) ok = false;
+    if (ok) {
+      out.append(text.substr(i, len));
+      i += len;
+    } else {
+      out += "\xEF\xBF\xBD";
+      ++i;
+    }
+  }
+  return out;
 }
 
 }  // namespace TessarkAO

@@ -26,12 +26,15 @@ constexpr int32_t TypeMismatch = 13;
 constexpr int32_t FileNotFound = 53;
 constexpr int32_t PermissionDenied = 70;
 constexpr int32_t PathFileAccess = 75;
+constexpr int32_t ResourceNotFound = 326;    // Resource with identifier '...' not found
+constexpr int32_t InvalidPropertyValue = 380;
 constexpr int32_t ObjectNotSet = 91;         // Object variable or With block variable not set
 constexpr int32_t InvalidUseOfNull = 94;
 constexpr int32_t ObjectRequired = 424;
 constexpr int32_t CannotCreateObject = 429;
 constexpr int32_t NoSuchMember = 438;        // Object doesn't support this property or method
 constexpr int32_t AutomationFailure = 440;
+constexpr int32_t NamedArgumentNotFound = 448;
 constexpr int32_t ArgumentNotOptional = 449;
 constexpr int32_t WrongArgumentCount = 450;
 }  // namespace Err
@@ -67,5 +70,16 @@ class AutomationError : public std::runtime_error {
 
 [[noreturn]] void Raise(int32_t number);
 [[noreturn]] void Raise(int32_t number, std::string description);
+
+// The exception being handled as an AutomationError; only inside a catch
+// block.  The one rule for every failure that leaves a call: an
+// AutomationError passes through as it is (its source filled in with
+// `source` when it has none), std::bad_alloc becomes 7 (Out of memory), any
+// other exception becomes 440 with its text (made valid UTF-8) as the
+// description.
+AutomationError CurrentError(std::string_view source = {});
+
+// `text` with every byte sequence that is not valid UTF-8 replaced by U+FFFD.
+std::string ValidUtf8(std::string_view text);
 
 }  // namespace TessarkAO

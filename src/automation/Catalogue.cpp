@@ -88,6 +88,27 @@ const ClassRecord* FindClass(std::string_view id) noexcept {
   return nullptr;
 }
 
+namespace {
+// 429 naming the identifier that could not be created.
+[[noreturn]] void RaiseCannotCreate(std::string_view id) {
+  throw AutomationError(Err::CannotCreateObject,
+                        std::string(StandardDescription(Err::CannotCreateObject)) + ": " + std::string(id));
+}
+}  // namespace
+
+Ref<Object> CreateClass(std::string_view className) {
+  Factory factory = nullptr;
+  {
+    State& s = GetState();
+    std::lock_guard lock(s.mutex);
+    auto it = s.factories.find(Lower(className));
+    if (it != s.factories.end()) factory = it->second;
+  }
+  Ref<Object> o = factory ? factory() : Ref<Object>();
+  if (!o) RaiseCannotCreate(className);
+  return o;
+}
+
 Ref<Object> CreateObject(std::string_view id) {
   Factory factory = nullptr;
   SystemFactory system = nullptr;
@@ -105,12 +126,12 @@ Ref<Object> CreateObject(std::string_view id) {
   }
   if (!factory && system) {
     Ref<Object> o = system(id);
-    if (!o) Raise(Err::CannotCreateObject);
+    if (!o) RaiseCannotCreate(id);
     return o;
   }
-  if (!factory) Raise(Err::CannotCreateObject);
+  if (!factory) RaiseCannotCreate(id);
   Ref<Object> o = factory();
-  if (!o) Raise(Err::CannotCreateObject);
+  if (!o) RaiseCannotCreate(id);
   return o;
 }
 

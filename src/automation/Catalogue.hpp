@@ -54,6 +54,18 @@ const ClassRecord* FindClass(std::string_view progIdOrClsid) noexcept;
 // unknown or the class cannot be created.
 Ref<Object> CreateObject(std::string_view progIdOrClsid);
 
+// Creates a class of the library by class name through its registered
+// factory (429 when it has none), as CreateObject does for its ProgID.
+Ref<Object> CreateClass(std::string_view className);
+
+// Typed creation of a class another class needs: the include of T's header
+// names the dependency (so the build checks the layers), the object still
+// comes from the catalogue's factory (so instance counting is unchanged).
+template <class T>
+Ref<T> New() {
+  return RefCast<T>(CreateClass(T::kClassName));
+}
+
 // Registers T's factory at load time: TK_REGISTER_CLASS(TessarkAO::TKVector4d)
 // at namespace scope in T's .cpp.
 #define TK_CAT_IMPL(a, b) a##b

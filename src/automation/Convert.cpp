@@ -2,9 +2,9 @@
 //   1. number locale
 //   2. text <-> number (the one parser, Val, formatting)
 //   3. rounding and range checks
-//   4. Decimal
 //   5. To<Type> for every target type, ChangeType, IsNumeric
-//   6. UTF-8 / UTF-16 helpers, case mapping, code-unit comparison
+// Decimal arithmetic is in Decimal.cpp, the text rules (UTF-16, case) in
+// Text.cpp.
 #include "automation/Convert.hpp"
 
 #include <algorithm>
@@ -18,8 +18,11 @@
 
 #include "automation/AutomationError.hpp"
 #include "automation/Checked.hpp"
+#include "automation/ConvertDetail.hpp"
 
 namespace TessarkAO {
+
+using namespace ConvertDetail;
 
 // ----- 1. number locale --------------------------------------------------------
 
@@ -130,6 +133,9 @@ std::int64_t DecimalPower(std::string_view s) noexcept {
   }
   return power;
 }
+}  // namespace
+
+namespace ConvertDetail {
 
 bool FromChars(const std::string& s, double& out) noexcept {
   const char* b = s.data();
@@ -148,7 +154,8 @@ bool FromChars(const std::string& s, double& out) noexcept {
   return ec == std::errc();
 }
 
-}  // namespace
+}  // namespace ConvertDetail
+
 
 int ParseNumber(std::string_view text, NumberLocale locale, double& out) noexcept {
   std::size_t b = 0, e = text.size();
@@ -318,169 +325,6 @@ std::int64_t CurrencyRounded(Currency c) {
 }
 }  // namespace
 
-// ----- 4. Decimal ---------------------------------------------------------------
-
-namespace {
-using u128 = unsigned __int128;
-constexpr u128 kDecimalMax = (static_cast<u128>(0xFFFFFFFFu) << 64) | 0xFFFFFFFFFFFFFFFFull;
-
-u128 Magnitude(const Decimal& d) { return (static_cast<u128>(d.hi) << 64) | d.lo; }
-
-Decimal MakeDecimal(u128 m, int scale, bool negative) {
-  Decimal d;
-  d.hi = static_cast<std::uint32_t>(m >> 64);
-  d.lo = static_cast<std::uint64_t>(m);
-  d.scale = static_cast<std::uint8_t>(scale);
-  d.negative = negative && m != 0;
-  return d;
-}
-
-std::string DigitsOf(u128 m) {
-  if (m == 0) return "0";
-  std::string s;
-  while (m) {
-    s.push_back(static_cast<char>('0' + static_cast<int>(m % 10)));
-    m /= 10;
-  }
-  return std::string(s.rbegin(), s.rend());
-}
-
-// Builds a decimal from a digit string and a power of ten, rounding half to
-// even when more digits are given than the 96 bits and scale 28 can hold.
-bool DecimalFromDigits(std::string digits, std::int64_t exp10, bool negative, Decimal& out) {
-  std::size_t nz = 0;
-  while (nz + 1 < digits.size() && digits[nz] == '0') ++nz;
-  digits.erase(0, nz);
-  // Powers far outside the Decimal range give zero or an overflow at once
-  // instead of a string of a billion zeros.
-  if (exp10 > 0 && digits == "0") exp10 = 0;
-  if (exp10 > 29) return false;
-  exp10 = std::max<std::int64_t>(exp10, -static_cast<std::int64_t>(digits.size()) - 30);
-  // value = digits * 10^exp10; scale = -exp10 when negative.
-  while (exp10 > 0) {
-    digits.push_back('0');
-    --exp10;
-  }
-  int scale = static_cast<int>(-exp10);
-  // Drop digits beyond scale 28 or beyond 29 significant digits, rounding.
-  auto tooBig = [&](const std::string& ds) {
-    if (ds.size() > 29) return true;
-    u128 m = 0;
-    for (char c : ds) {
-      m = m * 10 + static_cast<unsigned>(c - '0');
-    }
-    return m > kDecimalMax;
-  };
-  while (scale > 28 || (scale > 0 && tooBig(digits))) {
-    const char last = digits.back();
-    digits.pop_back();
-    --scale;
-    if (digits.empty()) digits.push_back('0');
-    const bool prevOdd = ((digits.back() - '0') & 1) != 0;
-    if (last > '5' || (last == '5' && prevOdd)) {
-      // add one to the digit string
-      int k = static_cast<int>(digits.size()) - 1;
-      while (k >= 0 && digits[static_cast<std::size_t>(k)] == '9') digits[static_cast<std::size_t>(k--)] = '0';
-      if (k < 0)
-        digits.insert(digits.begin(), '1');
-      else
-        ++digits[static_cast<std::size_t>(k)];
-    }
-  }
-  if (tooBig(digits)) return false;
-  u128 m = 0;
-  for (char c : digits) m = m * 10 + static_cast<unsigned>(c - '0');
-  // Trailing zeros of the fraction are kept, as the runtime keeps the scale.
-  out = MakeDecimal(m, scale, negative);
-  return true;
-}
-}  // namespace
-
-std::string DecimalToString(const Decimal& d, NumberLocale locale) {
-  std::string digits = DigitsOf(Magnitude(d));
-  const std::size_t scale = d.scale;
-  if (digits.size() <= scale) digits.insert(0, scale - digits.size() + 1, '0');
-  std::string ip = digits.substr(0, digits.size() - scale);
-  std::string fp = digits.substr(digits.size() - scale);
-  while (!fp.empty() && fp.back() == '0') fp.pop_back();
-  std::string s = (d.negative && (ip != "0" || !fp.empty())) ? "-" : "";
-  s += ip;
-  if (!fp.empty()) {
-    s.push_back(locale.decimal);
-    s += fp;
-  }
-  return s;
-}
-
-double DecimalToDouble(const Decimal& d) noexcept {
-  std::string s = DigitsOf(Magnitude(d)) + "e-" + std::to_string(d.scale);
-  double v = 0.0;
-  FromChars(s, v);
-  return d.negative ? -v : v;
-}
-
-Decimal DecimalFromDouble(double d) {
-  if (!std::isfinite(d) || std::fabs(d) >= 79228162514264337593543950335.0) Raise(Err::Overflow);
-  if (d == 0.0) return Decimal{};
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%.14E", std::fabs(d));  // 15 significant digits
-  std::string s(buf);
-  const std::size_t epos = s.find('E');
-  std::string mant = s.substr(0, epos);
-  const int exp = std::atoi(s.c_str() + epos + 1);
-  mant.erase(1, 1);  // drop the point: 15 digits
-  while (mant.size() > 1 && mant.back() == '0') mant.pop_back();
-  Decimal out;
-  if (!DecimalFromDigits(mant, exp - static_cast<int>(mant.size()) + 1, d < 0, out)) Raise(Err::Overflow);
-  return out;
-}
-
-namespace {
-// Parses text as a decimal exactly (the runtime's text to Decimal).
-int ParseDecimal(std::string_view text, NumberLocale locale, Decimal& out) {
-  double check;
-  if (int st = ParseNumber(text, locale, check)) return st;
-  // Re-read the digits exactly.
-  std::string_view t = TrimBlanks(text);
-  bool negative = false;
-  std::string digits;
-  std::int64_t exp10 = 0;
-  bool afterPoint = false;
-  std::size_t i = 0;
-  if (!t.empty() && t[0] == '(') {
-    negative = true;
-    ++i;
-  }
-  for (; i < t.size(); ++i) {
-    const char c = t[i];
-    if (c == '-') {
-      negative = !negative;
-    } else if (c >= '0' && c <= '9') {
-      digits.push_back(c);
-      if (afterPoint) --exp10;
-    } else if (c == locale.decimal) {
-      afterPoint = true;
-    } else if (c == 'e' || c == 'E' || c == 'd' || c == 'D') {
-      // ParseNumber accepted the text, so an optional sign and digits follow.
-      std::size_t j = i + 1;
-      const bool minus = j < t.size() && t[j] == '-';
-      if (j < t.size() && (t[j] == '-' || t[j] == '+')) ++j;
-      std::int64_t e = 0;
-      for (; j < t.size() && t[j] >= '0' && t[j] <= '9'; ++j)
-        e = std::min<std::int64_t>(e * 10 + (t[j] - '0'), 1000000000);
-      exp10 += minus ? -e : e;
-      break;
-    } else if (c == '&') {
-      out = DecimalFromDouble(check);
-      return 0;
-    }
-  }
-  if (digits.empty()) return Err::TypeMismatch;
-  if (!DecimalFromDigits(digits, exp10, negative, out)) return Err::Overflow;
-  return 0;
-}
-}  // namespace
-
 // ----- 5. To<Type> ----------------------------------------------------------------
 
 namespace {
@@ -590,6 +434,29 @@ bool ToBoolean(const Variant& value) {
   }
 }
 
+// Serial 0 is 1899-12-30, 25569 days before 1970-01-01; the day counts
+// below run from 0000-03-01 in 400-year eras of 146097 days.
+CivilDay CivilDayOfSerial(std::int64_t days) noexcept {
+  const std::int64_t z = days - 25569 + 719468;
+  const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
+  const std::int64_t doe = z - era * 146097;
+  const std::int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+  const std::int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+  const std::int64_t mp = (5 * doy + 2) / 153;
+  const int d = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
+  const int m = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
+  return CivilDay{yoe + era * 400 + (m <= 2), m, d};
+}
+
+std::int64_t SerialOfCivilDay(std::int64_t year, int month, int day) noexcept {
+  const std::int64_t y = year - (month <= 2);
+  const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
+  const std::int64_t yoe = y - era * 400;
+  const std::int64_t doy = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+  const std::int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+  return era * 146097 + doe - 719468 + 25569;
+}
+
 namespace {
 // Date serial to civil date (proleptic Gregorian) and time.
 void SplitDate(double serial, int& y, int& m, int& d, int& hh, int& mm, int& ss) {
@@ -599,16 +466,10 @@ void SplitDate(double serial, int& y, int& m, int& d, int& hh, int& mm, int& ss)
     days = std::ceil(serial);
     frac = std::fabs(serial - days);
   }
-  const long zz = static_cast<long>(days) - 25569 + 719468;  // days since 0000-03-01
-  const long era = (zz >= 0 ? zz : zz - 146096) / 146097;
-  const unsigned doe = static_cast<unsigned>(zz - era * 146097);
-  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const long yy = static_cast<long>(yoe) + era * 400;
-  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const unsigned mp = (5 * doy + 2) / 153;
-  d = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
-  m = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
-  y = static_cast<int>(yy + (m <= 2));
+  const CivilDay c = CivilDayOfSerial(static_cast<std::int64_t>(days));
+  y = static_cast<int>(c.year);
+  m = c.month;
+  d = c.day;
   long secs = std::lround(frac * 86400.0);
   if (secs >= 86400) secs = 86399;
   hh = static_cast<int>(secs / 3600);
@@ -648,10 +509,7 @@ std::string ToString(const Variant& value) {
     case VarType::Single: return FormatSingle(v.AsSingle());
     case VarType::Double: return FormatDouble(v.AsDouble());
     case VarType::Currency: {
-      Decimal d = MakeDecimal(static_cast<u128>(v.AsCurrency().scaled < 0
-                                                    ? -static_cast<__int128>(v.AsCurrency().scaled)
-                                                    : v.AsCurrency().scaled),
-                              4, v.AsCurrency().scaled < 0);
+      Decimal d = MakeDecimal(Magnitude64(v.AsCurrency().scaled), 4, v.AsCurrency().scaled < 0);
       return DecimalToString(d, GetNumberLocale());
     }
     case VarType::Date: return FormatDate(v.AsDate());
@@ -699,14 +557,7 @@ Date ToDate(const Variant& value) {
       Raise(Err::TypeMismatch);
     }
     if (m < 1 || m > 12 || dd < 1 || dd > 31) Raise(Err::TypeMismatch);
-    // days from civil
-    const int yy = y - (m <= 2);
-    const long era = (yy >= 0 ? yy : yy - 399) / 400;
-    const unsigned yoe = static_cast<unsigned>(yy - era * 400);
-    const unsigned doy = static_cast<unsigned>((153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + dd - 1);
-    const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    const long days1970 = era * 146097 + static_cast<long>(doe) - 719468;
-    return Date{static_cast<double>(days1970 + 25569)};
+    return Date{static_cast<double>(SerialOfCivilDay(y, m, dd))};
   }
   const double d = ToDouble(v);
   if (d < -657434.0 || d >= 2958466.0) Raise(Err::Overflow);
@@ -723,11 +574,11 @@ Decimal ToDecimal(const Variant& value) {
       case VarType::Byte:
       case VarType::Boolean: {
         const std::int64_t i = ToLong(v);
-        return MakeDecimal(static_cast<u128>(i < 0 ? -i : i), 0, i < 0);
+        return MakeDecimal(Magnitude64(i), 0, i < 0);
       }
       case VarType::Currency: {
         const std::int64_t s = v.AsCurrency().scaled;
-        return MakeDecimal(static_cast<u128>(s < 0 ? -static_cast<__int128>(s) : s), 4, s < 0);
+        return MakeDecimal(Magnitude64(s), 4, s < 0);
       }
       case VarType::String: {
         Decimal d;
@@ -796,201 +647,6 @@ bool IsNumeric(const Variant& value) {
       }
     default: return false;
   }
-}
-
-// ----- 6. text helpers -------------------------------------------------------------
-
-namespace {
-// Decodes one code point; invalid bytes read as U+FFFD one byte at a time.
-char32_t Decode(std::string_view s, std::size_t& i) noexcept {
-  const unsigned char c = static_cast<unsigned char>(s[i]);
-  auto cont = [&](std::size_t k) {
-    return i + k < s.size() && (static_cast<unsigned char>(s[i + k]) & 0xC0) == 0x80;
-  };
-  if (c < 0x80) {
-    ++i;
-    return c;
-  }
-  if (c >= 0xC2 && c < 0xE0 && cont(1)) {
-    char32_t cp = ((c & 0x1Fu) << 6) | (static_cast<unsigned char>(s[i + 1]) & 0x3Fu);
-    i += 2;
-    return cp;
-  }
-  if (c >= 0xE0 && c < 0xF0 && cont(1) && cont(2)) {
-    char32_t cp = ((c & 0x0Fu) << 12) | ((static_cast<unsigned char>(s[i + 1]) & 0x3Fu) << 6) |
-                  (static_cast<unsigned char>(s[i + 2]) & 0x3Fu);
-    if (cp >= 0x800) {
-      i += 3;
-      return cp;
-    }
-  }
-  if (c >= 0xF0 && c < 0xF5 && cont(1) && cont(2) && cont(3)) {
-    char32_t cp = ((c & 0x07u) << 18) | ((static_cast<unsigned char>(s[i + 1]) & 0x3Fu) << 12) |
-                  ((static_cast<unsigned char>(s[i + 2]) & 0x3Fu) << 6) |
-                  (static_cast<unsigned char>(s[i + 3]) & 0x3Fu);
-    if (cp >= 0x10000 && cp <= 0x10FFFF) {
-      i += 4;
-      return cp;
-    }
-  }
-  ++i;
-  return 0xFFFD;
-}
-
-void Encode(char32_t cp, std::string& out) {
-  if (cp < 0x80) {
-    out.push_back(static_cast<char>(cp));
-  } else if (cp < 0x800) {
-    out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-  } else if (cp < 0x10000) {
-    out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-    out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-  } else {
-    out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-    out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-  }
-}
-
-char32_t LowerCp(char32_t c) noexcept {
-  if (c >= 'A' && c <= 'Z') return c + 32;
-  if (c < 0xC0) return c;
-  if ((c >= 0xC0 && c <= 0xDE && c != 0xD7)) return c + 32;
-  if (c >= 0x100 && c <= 0x17F) {
-    if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E)) return (c & 1) ? c + 1 : c;
-    if (c == 0x130 || c == 0x131 || c == 0x138 || c == 0x149 || c == 0x17F) return c;
-    return (c & 1) ? c : c + 1;
-  }
-  if (c >= 0x391 && c <= 0x3AB && c != 0x3A2) return c + 32;
-  if (c >= 0x410 && c <= 0x42F) return c + 32;
-  if (c >= 0x400 && c <= 0x40F) return c + 80;
-  if (c >= 0xFF21 && c <= 0xFF3A) return c + 32;
-  return c;
-}
-
-char32_t UpperCp(char32_t c) noexcept {
-  if (c >= 'a' && c <= 'z') return c - 32;
-  if (c < 0xE0) return c;
-  if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return c - 32;
-  if (c >= 0x100 && c <= 0x17F) {
-    if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E)) return (c & 1) ? c : c - 1;
-    if (c == 0x130 || c == 0x131 || c == 0x138 || c == 0x149 || c == 0x17F) return c;
-    return (c & 1) ? c - 1 : c;
-  }
-  if (c >= 0x3B1 && c <= 0x3CB && c != 0x3C2) return c - 32;
-  if (c >= 0x430 && c <= 0x44F) return c - 32;
-  if (c >= 0x450 && c <= 0x45F) return c - 80;
-  if (c >= 0xFF41 && c <= 0xFF5A) return c - 32;
-  return c;
-}
-}  // namespace
-
-bool EqualsNoCaseAscii(std::string_view a, std::string_view b) noexcept {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    char x = a[i], y = b[i];
-    if (x >= 'A' && x <= 'Z') x = static_cast<char>(x | 0x20);
-    if (y >= 'A' && y <= 'Z') y = static_cast<char>(y | 0x20);
-    if (x != y) return false;
-  }
-  return true;
-}
-
-std::u16string ToUtf16(std::string_view utf8) {
-  std::u16string out;
-  out.reserve(utf8.size());
-  for (std::size_t i = 0; i < utf8.size();) {
-    const char32_t cp = Decode(utf8, i);
-    if (cp >= 0x10000) {
-      out.push_back(static_cast<char16_t>(0xD800 + ((cp - 0x10000) >> 10)));
-      out.push_back(static_cast<char16_t>(0xDC00 + ((cp - 0x10000) & 0x3FF)));
-    } else {
-      out.push_back(static_cast<char16_t>(cp));
-    }
-  }
-  return out;
-}
-
-std::string ToUtf8(std::u16string_view utf16) {
-  std::string out;
-  out.reserve(utf16.size());
-  for (std::size_t i = 0; i < utf16.size(); ++i) {
-    char32_t c = utf16[i];
-    if (c >= 0xD800 && c < 0xDC00 && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 &&
-        utf16[i + 1] < 0xE000) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (utf16[i + 1] - 0xDC00);
-      ++i;
-    }
-    // A lone surrogate keeps its three-byte form, so that any sequence of
-    // code units comes back unchanged from ToUtf16.
-    Encode(c, out);
-  }
-  return out;
-}
-
-std::size_t Utf16Length(std::string_view utf8) {
-  std::size_t n = 0;
-  for (std::size_t i = 0; i < utf8.size();) n += Decode(utf8, i) >= 0x10000 ? 2 : 1;
-  return n;
-}
-
-std::string LowerCase(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    const unsigned char c = static_cast<unsigned char>(text[i]);
-    if (c < 0x80) {
-      out.push_back(static_cast<char>(c >= 'A' && c <= 'Z' ? c | 0x20 : c));
-      ++i;
-    } else {
-      Encode(LowerCp(Decode(text, i)), out);
-    }
-  }
-  return out;
-}
-
-std::string UpperCase(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    const unsigned char c = static_cast<unsigned char>(text[i]);
-    if (c < 0x80) {
-      out.push_back(static_cast<char>(c >= 'a' && c <= 'z' ? c & ~0x20 : c));
-      ++i;
-    } else {
-      Encode(UpperCp(Decode(text, i)), out);
-    }
-  }
-  return out;
-}
-
-std::string_view TrimBlanks(std::string_view text) noexcept {
-  std::size_t b = 0, e = text.size();
-  while (b < e && text[b] == ' ') ++b;
-  while (e > b && text[e - 1] == ' ') --e;
-  return text.substr(b, e - b);
-}
-
-int CompareCodeUnits(std::string_view a, std::string_view b) noexcept {
-  // UTF-8 byte order is code-point order; it differs from UTF-16 code-unit
-  // order only where a supplementary character (4-byte form, a surrogate pair
-  // in UTF-16) meets a character from U+E000 to U+FFFF.
-  const std::size_t n = std::min(a.size(), b.size());
-  std::size_t i = 0;
-  while (i < n && a[i] == b[i]) ++i;
-  if (i == n) return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
-  std::size_t start = i;
-  while (start > 0 && (static_cast<unsigned char>(a[start]) & 0xC0) == 0x80) --start;
-  const unsigned char la = static_cast<unsigned char>(a[start]);
-  const unsigned char lb = static_cast<unsigned char>(b[start]);
-  const bool aSupp = la >= 0xF0, bSupp = lb >= 0xF0;
-  const bool aHigh = la == 0xEE || la == 0xEF, bHigh = lb == 0xEE || lb == 0xEF;
-  if (aSupp && bHigh) return -1;
-  if (bSupp && aHigh) return 1;
-  return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]) ? -1 : 1;
 }
 
 }  // namespace TessarkAO

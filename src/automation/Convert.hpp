@@ -44,6 +44,17 @@ bool ToBoolean(const Variant& v);
 std::string ToString(const Variant& v);
 Currency ToCurrency(const Variant& v);
 Date ToDate(const Variant& v);
+
+// The proleptic Gregorian calendar day of a date serial's whole days
+// (counted from 1899-12-30), and back: the one calendar routine of the
+// library.
+struct CivilDay {
+  std::int64_t year;
+  int month;  // 1 to 12
+  int day;    // 1 to 31
+};
+CivilDay CivilDayOfSerial(std::int64_t days) noexcept;
+std::int64_t SerialOfCivilDay(std::int64_t year, int month, int day) noexcept;
 Decimal ToDecimal(const Variant& v);
 // The object of an object-valued variant (which may be Nothing); 424 otherwise.
 Ref<Object> ToObject(const Variant& v);

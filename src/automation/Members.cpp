@@ -5,6 +5,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "automation/Catalogue.hpp"
+
 namespace TessarkAO {
 
 namespace {
@@ -36,38 +38,88 @@ const MemberInfo* ClassInfo::Member(DispId id) const noexcept {
 
 namespace {
 
-// Calls the thunk and turns failures that are not automation errors into them.
-Variant CallThunk(const Accessor& acc, Object* self, std::span<Variant> args) {
-  try {
-    return acc.thunk(self, args);
-  } catch (const AutomationError&) {
-    throw;
-  } catch (const std::bad_alloc&) {
-    Raise(Err::OutOfMemory);
-  } catch (const std::exception& e) {
-    Raise(Err::AutomationFailure, e.what());
-  }
+// An argument that did not convert, on its way to the call that names it.
+class ArgumentError : public AutomationError {
+ public:
+  ArgumentError(const AutomationError& e, std::size_t position)
+      : AutomationError(e), position_(position) {}
+  std::size_t Position() const noexcept { return position_; }
+
+ private:
+  std::size_t position_;
+};
+
+// "Type mismatch: argument 2 of TessarkAO.TKVector4d.SetPosition".
+std::string CallDescription(std::int32_t number, const std::string& source, const MemberInfo* m,
+                            std::size_t position) {
+  std::string d(StandardDescription(number));
+  d += ": argument " + std::to_string(position + 1) + " of " + source;
+  if (m) d += "." + m->name;
+  return d;
 }
 
 }  // namespace
 
+void RaiseArgumentError(const AutomationError& e, std::size_t position) {
+  throw ArgumentError(e, position);
+}
+
+std::string ClassInfo::Source() const {
+  for (const ClassRecord& r : Catalogue())
+    if (r.name == name_) return std::string(r.progId);
+  return name_;
+}
+
+void ClassInfo::Fail(DispId id) const {
+  try {
+    throw;
+  } catch (const ArgumentError& e) {
+    const std::string source = Source();
+    // Only the runtime's own classic errors get the call's details; an
+    // error that came from elsewhere keeps its text.
+    if (e.HResult() == (0x800A0000u | static_cast<std::uint32_t>(e.Number())) &&
+        e.Description() == StandardDescription(e.Number()))
+      throw AutomationError(e.Number(), CallDescription(e.Number(), source, Member(id), e.Position()),
+                            e.Source().empty() ? source : e.Source());
+    throw AutomationError(e.Number(), e.HResult(), e.Description(), e.Source().empty() ? source : e.Source());
+  } catch (...) {
+    throw CurrentError(Source());
+  }
+}
+
+const Accessor& ClassInfo::AccessorFor(const MemberInfo& m, CallKind kind,
+                                       std::span<const Variant> args) noexcept {
+  switch (kind) {
+    case CallKind::Let:
+      // A let of an object onto a property that only has a set is the same
+      // assignment made without the Set keyword.
+      if (!m.let && !args.empty() && args.back().IsObject()) return m.set;
+      return m.let;
+    case CallKind::Set:
+      return m.set ? m.set : m.let;
+    default:
+      return m.get;
+  }
+}
+
 Variant ClassInfo::Invoke(Object* self, DispId id, CallKind kind, std::span<Variant> args) const {
   const MemberInfo* m = Member(id);
   if (!m) Raise(Err::NoSuchMember);
-
-  const Accessor* acc = nullptr;
-  const bool put = kind == CallKind::Let || kind == CallKind::Set;
-  if (!put) {
-    acc = &m->get;
-  } else if (kind == CallKind::Let) {
-    // A let of an object onto a property that only has a set is the same
-    // assignment made without the Set keyword.
-    acc = m->let ? &m->let
-                 : (!args.empty() && args.back().IsObject() ? &m->set : &m->let);
-  } else {
-    acc = m->set ? &m->set : &m->let;
-  }
+  const Accessor* acc = &AccessorFor(*m, kind, args);
   if (!*acc) Raise(Err::NoSuchMember);
+  const bool put = kind == CallKind::Let || kind == CallKind::Set;
+
+  auto call = [&](std::span<Variant> placed) -> Variant {
+    try {
+      return acc->thunk(self, placed);
+    } catch (...) {
+      Fail(id);
+    }
+  };
+  auto fail = [&](std::int32_t number, std::size_t position) {
+    const std::string source = Source();
+    throw AutomationError(number, CallDescription(number, source, m, position), source);
+  };
 
   const std::size_t n = args.size();
   const std::size_t total = acc->params.size();
@@ -75,9 +127,9 @@ Variant ClassInfo::Invoke(Object* self, DispId id, CallKind kind, std::span<Vari
   // A parameterless get called with arguments applies them to the default
   // member of its result, as `obj.Items(3)` does for a collection property.
   if (!put && total == 0 && n > 0) {
-    Variant r = CallThunk(*acc, self, {});
+    Variant r = call({});
     const Variant& inner = r.Deref();
-    if (!inner.IsObject()) Raise(Err::WrongArgumentCount);
+    if (!inner.IsObject()) fail(Err::WrongArgumentCount, 0);
     Ref<Object> o = inner.AsObject();
     if (!o) Raise(Err::ObjectNotSet);
     return o->InvokeId(DispIdValue, kind, args);
@@ -87,13 +139,12 @@ Variant ClassInfo::Invoke(Object* self, DispId id, CallKind kind, std::span<Vari
     // The fixed parameters as usual, then every remaining argument packed
     // into one array of Variant with lower bound 0.
     const std::size_t fixed = total - 1;
-    if (n < acc->required) Raise(Err::ArgumentNotOptional);
     std::array<Variant, kMaxArgs> local;
     for (std::size_t i = 0; i < fixed; ++i) {
       if (i < n && !args[i].IsMissing()) {
         local[i] = Variant::ByRef(args[i]);
       } else {
-        if (i < acc->required) Raise(Err::ArgumentNotOptional);
+        if (i < acc->required) fail(Err::ArgumentNotOptional, i);
         local[i] = acc->params[i].defaultValue;
       }
     }
@@ -102,21 +153,21 @@ Variant ClassInfo::Invoke(Object* self, DispId id, CallKind kind, std::span<Vari
         SafeArray::Vector(VarType::Variant, 0, static_cast<std::int32_t>(extra) - 1);
     for (std::size_t i = 0; i < extra; ++i) list.Data()[i] = args[fixed + i].Deref();
     local[fixed] = Variant(std::move(list));
-    return CallThunk(*acc, self, std::span<Variant>(local.data(), total));
+    return call(std::span<Variant>(local.data(), total));
   }
 
-  if (n > total) Raise(Err::WrongArgumentCount);
-  if (put && n != total) Raise(Err::WrongArgumentCount);
-  if (n < acc->required) Raise(Err::ArgumentNotOptional);
+  if (n > total) fail(Err::WrongArgumentCount, total);
+  if (put && n != total) fail(Err::WrongArgumentCount, n);
+  if (n < acc->required) fail(Err::ArgumentNotOptional, n);
 
   bool fill = n < total;
   for (std::size_t i = 0; i < n; ++i) {
     if (args[i].IsMissing()) {
-      if (i < acc->required) Raise(Err::ArgumentNotOptional);
+      if (i < acc->required) fail(Err::ArgumentNotOptional, i);
       if (!acc->params[i].defaultValue.IsMissing()) fill = true;
     }
   }
-  if (!fill) return CallThunk(*acc, self, args);
+  if (!fill) return call(args);
 
   // Omitted optional arguments take their defaults; the given ones are
   // passed by reference so that outputs still reach the caller.
@@ -127,7 +178,7 @@ Variant ClassInfo::Invoke(Object* self, DispId id, CallKind kind, std::span<Vari
     else
       local[i] = acc->params[i].defaultValue;
   }
-  return CallThunk(*acc, self, std::span<Variant>(local.data(), total));
+  return call(std::span<Variant>(local.data(), total));
 }
 
 }  // namespace TessarkAO

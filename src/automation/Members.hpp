@@ -129,11 +129,24 @@ struct Converter<ParamArray> {
 // Argument holders: how one argument is loaded before the call and written
 // back after it.
 
+// An argument that does not convert: the error goes on with the argument's
+// 0-based position, for the call's error description (Members.cpp).
+[[noreturn]] void RaiseArgumentError(const AutomationError& e, std::size_t position);
+
+template <class T>
+T LoadArgument(const Variant& v, std::size_t position) {
+  try {
+    return Converter<T>::Load(v);
+  } catch (const AutomationError& e) {
+    RaiseArgumentError(e, position);
+  }
+}
+
 template <class P>
 struct ArgHolder {  // by value (and const T&)
   using T = std::remove_cv_t<std::remove_reference_t<P>>;
   T value;
-  explicit ArgHolder(Variant& v) : value(Converter<T>::Load(v)) {}
+  ArgHolder(Variant& v, std::size_t position) : value(LoadArgument<T>(v, position)) {}
   T& get() { return value; }
   void WriteBack(Variant&) {}
 };
@@ -141,10 +154,10 @@ struct ArgHolder {  // by value (and const T&)
 template <class T>
 struct ArgHolder<T&> {  // by-reference output
   T value;
-  explicit ArgHolder(Variant& v) : value(LoadOrDefault(v)) {}
-  static T LoadOrDefault(const Variant& v) {
+  ArgHolder(Variant& v, std::size_t position) : value(LoadOrDefault(v, position)) {}
+  static T LoadOrDefault(const Variant& v, std::size_t position) {
     if (v.IsMissing()) return T{};
-    return Converter<T>::Load(v);
+    return LoadArgument<T>(v, position);
   }
   T& get() { return value; }
   void WriteBack(Variant& v) { v.Deref() = Converter<T>::Store(std::move(value)); }
@@ -158,7 +171,7 @@ struct ArgHolder<const T&> : ArgHolder<T> {  // read-only reference: loaded by v
 template <>
 struct ArgHolder<Variant&> {
   Variant* target;
-  explicit ArgHolder(Variant& v) : target(&v.Deref()) {}
+  ArgHolder(Variant& v, std::size_t) : target(&v.Deref()) {}
   Variant& get() { return *target; }
   void WriteBack(Variant&) {}
 };
@@ -166,7 +179,7 @@ struct ArgHolder<Variant&> {
 template <>
 struct ArgHolder<const Variant&> {
   const Variant* target;
-  explicit ArgHolder(Variant& v) : target(&v.Deref()) {}
+  ArgHolder(Variant& v, std::size_t) : target(&v.Deref()) {}
   const Variant& get() { return *target; }
   void WriteBack(Variant&) {}
 };
@@ -203,7 +216,7 @@ using Thunk = Variant (*)(Object* self, std::span<Variant> args);
 
 template <auto Fn, class C, class R, class... A, std::size_t... I>
 Variant CallMember(C* self, std::span<Variant> args, std::index_sequence<I...>) {
-  std::tuple<ArgHolder<A>...> held{ArgHolder<A>(args[I])...};
+  std::tuple<ArgHolder<A>...> held{ArgHolder<A>(args[I], I)...};
   if constexpr (std::is_void_v<R>) {
     (self->*Fn)(std::get<I>(held).get()...);
     (std::get<I>(held).WriteBack(args[I]), ...);
@@ -288,6 +301,23 @@ class ClassInfo {
   // arguments and calls the thunk.
   Variant Invoke(Object* self, DispId id, CallKind kind, std::span<Variant> args) const;
 
+  // The accessor of `m` that a call of `kind` with `args` reaches: the get
+  // (or method) for a read or a call; for a let the let, or the set when the
+  // property has no let and the value is an object; for a set the set, or
+  // the let when it has none.  It may be empty (no such accessor: 438).
+  static const Accessor& AccessorFor(const MemberInfo& m, CallKind kind,
+                                     std::span<const Variant> args) noexcept;
+
+  // The ProgID of the class when the catalogue has it, else its name: the
+  // source of the errors its members raise.
+  std::string Source() const;
+
+  // Ends a failed call of member `id`: rethrows the exception being handled
+  // as an AutomationError (see CurrentError) with this class as its source
+  // and, for an argument that did not convert, the argument's position and
+  // the member's name in its description.  Only inside a catch block.
+  [[noreturn]] void Fail(DispId id) const;
+
  private:
   std::string name_;
   std::vector<MemberInfo> members_;
@@ -335,16 +365,97 @@ inline DispId ClassInfo::Find(std::string_view name) const noexcept {
 // ---------------------------------------------------------------------------
 // Annotations accepted by the builder after the member's name.
 
-struct Names {  // parameter names, for documentation and the type library
-  std::vector<std::string> names;
-  Names(std::initializer_list<std::string> n) : names(n) {}
+// Parameter names, one per parameter of the accessor they annotate.
+template <std::size_t N>
+struct Names {
+  static constexpr std::size_t kNames = N;
+  std::array<std::string_view, N> names;
+  template <class... S>
+  constexpr Names(S... s) : names{std::string_view(s)...} {}
 };
-struct Opt {  // defaults of the trailing parameters, last parameter last
-  std::vector<Variant> values;
-  Opt(std::initializer_list<Variant> v) : values(v) {}
+template <class... S>
+Names(S...) -> Names<sizeof...(S)>;
+
+// Defaults of the trailing parameters, last parameter last.
+template <std::size_t N>
+struct Opt {
+  static constexpr std::size_t kDefaults = N;
+  std::array<Variant, N> values;
+  template <class... V>
+  Opt(V&&... v) : values{Variant(std::forward<V>(v))...} {}
 };
+template <class... V>
+Opt(V&&...) -> Opt<sizeof...(V)>;
+
+// The by-reference outputs, by 1-based parameter position: exactly the
+// parameters that are non-const references, so that a reference parameter
+// never becomes an output by accident and an output is never forgotten.
+template <std::size_t... P>
+struct Out {
+  static constexpr std::uint32_t kOutputs = (0u | ... | (1u << (P - 1)));
+  static_assert(((P >= 1 && P <= 16) && ...), "Out<>: positions count from 1");
+};
+
+// What the member does, what it writes back and the errors it raises; the
+// names, types and defaults of its arguments come from the table itself.  The
+// Python help texts, the type library's help strings and the reference pages
+// are made from it.
 struct Doc {
   std::string text;
+};
+
+// Compile-time view of one accessor's parameters and annotations.
+template <class Args, class... Ann>
+struct TableCheck;
+template <class... A, class... Ann>
+struct TableCheck<std::tuple<A...>, Ann...> {
+  static constexpr std::size_t kArity = sizeof...(A);
+  template <class X>
+  static constexpr std::size_t NamesOf() {
+    if constexpr (requires { std::decay_t<X>::kNames; }) return std::decay_t<X>::kNames;
+    else return 0;
+  }
+  template <class X>
+  static constexpr std::size_t DefaultsOf() {
+    if constexpr (requires { std::decay_t<X>::kDefaults; }) return std::decay_t<X>::kDefaults;
+    else return 0;
+  }
+  template <class X>
+  static constexpr std::uint32_t OutputsOf() {
+    if constexpr (requires { std::decay_t<X>::kOutputs; }) return std::decay_t<X>::kOutputs;
+    else return 0;
+  }
+  template <class X>
+  static constexpr bool kIsParamArray = std::is_same_v<std::remove_cvref_t<X>, ParamArray>;
+
+  static constexpr std::size_t kNamesGiven = (0 + ... + (requires { std::decay_t<Ann>::kNames; } ? 1 : 0));
+  static constexpr std::size_t kNamesCount = (0 + ... + NamesOf<Ann>());
+  static constexpr std::size_t kDefaultsGiven = (0 + ... + (requires { std::decay_t<Ann>::kDefaults; } ? 1 : 0));
+  static constexpr std::size_t kDefaults = (0 + ... + DefaultsOf<Ann>());
+  static constexpr std::uint32_t kDeclaredOutputs = (0u | ... | OutputsOf<Ann>());
+  static constexpr std::uint32_t OutputMask() {
+    std::uint32_t mask = 0, bit = 1;
+    ((mask |= (std::is_lvalue_reference_v<A> && !std::is_const_v<std::remove_reference_t<A>>) ? bit : 0,
+      bit <<= 1),
+     ...);
+    return mask;
+  }
+  static constexpr std::size_t kParamArrays = (0 + ... + (kIsParamArray<A> ? 1 : 0));
+  static constexpr bool kParamArrayLast = kParamArrays == 0 || (kParamArrays == 1 && [] {
+    bool last = false;
+    ((last = kIsParamArray<A>), ...);
+    return last;
+  }());
+
+  static_assert(kArity <= 16, "too many parameters");
+  static_assert(kNamesGiven <= 1 && kDefaultsGiven <= 1, "one Names and one Opt per accessor");
+  static_assert(kNamesGiven == 0 || kNamesCount == kArity, "Names: exactly one name per parameter");
+  static_assert(kDefaults + (kParamArrays ? 1 : 0) <= kArity,
+                "Opt: more defaults than parameters (a ParamArray takes none)");
+  static_assert(kParamArrayLast, "ParamArray: only the last parameter");
+  static_assert(kDeclaredOutputs == OutputMask(),
+                "Out<...>: list exactly the non-const reference parameters (1-based)");
+  static constexpr bool kOk = true;
 };
 
 template <class C>
@@ -369,12 +480,16 @@ class ClassBuilder {
   }
   template <auto Fn, class... Ann>
   ClassBuilder& Let(std::string_view name, Ann&&... ann) {
-    Slot(name).let = MakeAccessor<Fn>(ann...);
+    MemberInfo& m = Slot(name);
+    m.let = MakeAccessor<Fn>(ann...);
+    ApplyDoc(m, ann...);
     return *this;
   }
   template <auto Fn, class... Ann>
   ClassBuilder& Set(std::string_view name, Ann&&... ann) {
-    Slot(name).set = MakeAccessor<Fn>(ann...);
+    MemberInfo& m = Slot(name);
+    m.set = MakeAccessor<Fn>(ann...);
+    ApplyDoc(m, ann...);
     return *this;
   }
   template <auto G, auto L, class... Ann>
@@ -419,7 +534,7 @@ class ClassBuilder {
     using T = MemFn<decltype(Fn)>;
     static_assert(std::is_base_of_v<typename T::Class, C> || std::is_same_v<typename T::Class, C>,
                   "member function of another class");
-    static_assert(T::kArity <= 16, "too many parameters");
+    static_assert(TableCheck<typename T::Args, Ann...>::kOk);
     Accessor a;
     a.thunk = &MemberThunk<Fn>;
     FillParams(a, static_cast<typename T::Args*>(nullptr));
@@ -437,14 +552,12 @@ class ClassBuilder {
     (
         [&] {
           using AT = std::decay_t<Ann>;
-          if constexpr (std::is_same_v<AT, Names>) {
-            for (std::size_t i = 0; i < ann.names.size() && i < a.params.size(); ++i)
-              a.params[i].name = ann.names[i];
-          } else if constexpr (std::is_same_v<AT, Opt>) {
-            const std::size_t n = ann.values.size();
-            if (n > a.params.size()) throw std::logic_error("more defaults than parameters");
-            a.required = static_cast<std::uint8_t>(a.params.size() - n);
-            for (std::size_t i = 0; i < n; ++i) {
+          if constexpr (requires { AT::kNames; }) {
+            for (std::size_t i = 0; i < AT::kNames; ++i) a.params[i].name = std::string(ann.names[i]);
+          } else if constexpr (requires { AT::kDefaults; }) {
+            const std::size_t fixed = a.params.size() - (a.paramArray ? 1 : 0);
+            a.required = static_cast<std::uint8_t>(fixed - AT::kDefaults);
+            for (std::size_t i = 0; i < AT::kDefaults; ++i) {
               ParamInfo& p = a.params[a.required + i];
               p.optional = true;
               p.defaultValue = ann.values[i];
@@ -503,7 +616,13 @@ class Dispatch : public Base {
     if constexpr (std::is_same_v<Base, Object>) {
       const ClassInfo& info = StaticClass();
       if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) {
-        if (Thunk t = info.PlainGetter(id)) return t(this, args);
+        if (Thunk t = info.PlainGetter(id)) {
+          try {
+            return t(this, args);
+          } catch (...) {
+            info.Fail(id);
+          }
+        }
       }
       return info.Invoke(this, id, kind, args);
     } else {

@@ -47,6 +47,15 @@ class Object {
     if (refs_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
   }
   std::uint32_t RefCount() const noexcept { return refs_.load(std::memory_order_relaxed); }
+  // Adds a reference unless the object is already on its way out (its count
+  // reached 0 and its destructor runs or is about to): what an identity map
+  // needs before handing out an object it only points at.
+  bool TryAddRef() const noexcept {
+    std::uint32_t n = refs_.load(std::memory_order_relaxed);
+    while (n != 0)
+      if (refs_.compare_exchange_weak(n, n + 1, std::memory_order_acq_rel)) return true;
+    return false;
+  }
 
   // The member table of a native class; nullptr for objects that resolve
   // their members some other way (host objects written in Python, say).

@@ -21,6 +21,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -191,6 +192,19 @@ class Variant {
                                kDouble = 5, kCurrency = 6, kDate = 7, kString = 8, kObject = 9,
                                kError = 10, kBoolean = 11, kDecimal = 12, kByte = 13, kArray = 14,
                                kByRef = 15;
+
+ private:
+  // The indices above name the Storage alternatives: a reordering of either
+  // list fails here rather than in a switch far away.
+  template <std::size_t I, class T>
+  static constexpr bool kAt = std::is_same_v<std::variant_alternative_t<I, Storage>, T>;
+  static_assert(std::variant_size_v<Storage> == kByRef + 1);
+  static_assert(kAt<kEmpty, EmptyTag> && kAt<kNull, NullTag> && kAt<kInteger, std::int16_t> &&
+                kAt<kLong, std::int32_t> && kAt<kSingle, float> && kAt<kDouble, double> &&
+                kAt<kCurrency, Currency> && kAt<kDate, Date> && kAt<kString, std::string> &&
+                kAt<kObject, Ref<Object>> && kAt<kError, ErrorCode> && kAt<kBoolean, bool> &&
+                kAt<kDecimal, Decimal> && kAt<kByte, std::uint8_t> && kAt<kArray, ArrayBox> &&
+                kAt<kByRef, RefTag>);
 
  private:
   Storage s_;

@@ -22,7 +22,7 @@
 #include "builders/BuilderSteps.hpp"
 #include "frame/Globals.hpp"
 #include "frame/StringTable.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 
@@ -93,19 +93,34 @@ class PlacedBuilder : public Dispatch<C> {
   }
 
   static ClassBuilder<C>& DescribeUserName(ClassBuilder<C>& b) {
-    return b.template Property<&PlacedBuilder::GetUserName, &PlacedBuilder::LetUserName>("UserName");
+    return b.template Property<&PlacedBuilder::GetUserName, &PlacedBuilder::LetUserName>(
+        "UserName",
+        Doc{"The name the created shape receives; a new builder holds the localized default name."});
   }
   static ClassBuilder<C>& DescribePosition(ClassBuilder<C>& b) {
-    return b.template PropertyRef<&PlacedBuilder::GetPosition, &PlacedBuilder::SetPosition>("Position");
+    return b.template PropertyRef<&PlacedBuilder::GetPosition, &PlacedBuilder::SetPosition>(
+        "Position",
+        Doc{"The builder's own TKPosition (the same object on every read). Assigning copies the given "
+            "position's placement into it (InheritPosition); the caller's object is not kept."});
   }
   // The members every such builder's table ends with, in this order:
   // PathComponents (when the builder has a drawn profile), Part (when it
   // shows its shape), Finish and Create(Parent).
   static void DescribeClosing(ClassBuilder<C>& b, bool pathComponents, bool part) {
-    if (pathComponents) b.template Get<&PlacedBuilder::GetPathComponents>("PathComponents");
-    if (part) b.template Get<&PlacedBuilder::GetPart>("Part");
-    b.template Method<&PlacedBuilder::Finish>("Finish");
-    b.template Method<&C::Create>("Create", Names{"Parent"});
+    if (pathComponents)
+      b.template Get<&PlacedBuilder::GetPathComponents>(
+          "PathComponents", Doc{"The path collection of the created shape's profile, into which the caller "
+                                "draws; Nothing before Create."});
+    if (part)
+      b.template Get<&PlacedBuilder::GetPart>("Part", Doc{"The created shape; Nothing before Create."});
+    b.template Method<&PlacedBuilder::Finish>("Finish",
+                                              Doc{"Sets the created shape's remaining host variables and "
+                                                  "regenerates it; before Create it makes no host call."});
+    b.template Method<&C::Create>(
+        "Create", Names{"Parent"},
+        Doc{"Adds the feature's shape under Parent (a part is made first when Parent is an assembly), places "
+            "it at Position, writes its name and sizes, and returns the new host shape. Host errors are "
+            "raised as they come; changes already made stay."});
   }
 
  private:

@@ -1,7 +1,7 @@
 #include "builders/BuilderSteps.hpp"
 
 #include "automation/AutomationError.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/Functions.hpp"
 
 namespace TessarkAO::BuilderSteps {

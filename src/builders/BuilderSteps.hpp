@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "automation/Variant.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO::BuilderSteps {
 
@@ -19,16 +20,8 @@ constexpr std::int16_t SheetMetalForm = 13;
 constexpr std::int16_t SheetMetalBend = 14;
 }  // namespace ShapeKind
 
-// Component type codes written by the builders.
-namespace Component {
-constexpr std::int32_t Sizebox = 1;
-constexpr std::int32_t Extrude = 14;
-constexpr std::int32_t Profile = 15;
-constexpr std::int32_t SheetMetalPart = 62;
-constexpr std::int32_t SheetMetalExtrude = 63;
-constexpr std::int32_t SheetMetalBend = 66;
-constexpr std::int32_t SheetMetalForm = 67;
-}  // namespace Component
+// Component type codes written by the builders: the host's.
+namespace Component = Host::ComponentType;
 
 // Stock forms a sheet-metal extrude (11) takes as the first argument of its
 // Initialize; flat stock is the host's default when the argument is left out.

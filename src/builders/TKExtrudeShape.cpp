@@ -1,11 +1,17 @@
 #include "builders/TKExtrudeShape.hpp"
 
+#include "automation/Enumerations.hpp"
+
 namespace TessarkAO {
 
 void TKExtrudeShape::Describe(ClassBuilder<TKExtrudeShape>& b) {
   using C = TKExtrudeShape;
-  DescribeUserName(b).Property<&C::GetRemovesMaterial, &C::LetRemovesMaterial>("RemovesMaterial");
-  DescribePosition(b).Property<&C::GetHeight, &C::LetHeight>("Height", Names{"Direction"});
+  DescribeUserName(b).Property<&C::GetRemovesMaterial, &C::LetRemovesMaterial>(
+      "RemovesMaterial", Doc{"Whether the extrude cuts material (a new builder: False)."});
+  DescribePosition(b).Property<&C::GetHeight, &C::LetHeight>(
+      "Height", Names{"Direction"},
+      Doc{"The extrude height in direction 1 (TKExtrude_Up, default 5) or 2 (TKExtrude_Down, default 0). Any "
+          "other direction raises 9."});
   DescribeClosing(b, /*pathComponents=*/true, /*part=*/false);
 }
 
@@ -35,3 +41,10 @@ Variant TKExtrudeShape::Create(Variant parent) {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKExtrudeShape)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKExtrudeDirection, "TKExtrudeShape",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKExtrude_Up),
+                            TK_ENUM_CONSTANT(TessarkAO::TKExtrude_Down),
+                        })

@@ -1,35 +1,63 @@
 #include "builders/TKSMBendShape.hpp"
 
 #include "automation/Catalogue.hpp"
+#include "automation/Enumerations.hpp"
 #include "builders/BuilderSteps.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 
 void TKSMBendShape::Describe(ClassBuilder<TKSMBendShape>& b) {
   using C = TKSMBendShape;
-  b.Let<&C::LetSuppressedReliefs>("SuppressedReliefs")
+  b.Let<&C::LetSuppressedReliefs>(
+       "SuppressedReliefs",
+       Doc{"The reliefs not made (ESheetMetalReliefs bits); sent to the host after the shape's Update."})
       .Get<&C::GetSuppressedReliefs>("SuppressedReliefs")
-      .Let<&C::LetReliefDepth>("ReliefDepth")
+      .Let<&C::LetReliefDepth>("ReliefDepth", Doc{"The depth of the bend relief."})
       .Get<&C::GetReliefDepth>("ReliefDepth")
-      .Let<&C::LetReliefWidth>("ReliefWidth")
+      .Let<&C::LetReliefWidth>("ReliefWidth", Doc{"The width of the bend relief."})
       .Get<&C::GetReliefWidth>("ReliefWidth")
-      .Property<&C::GetReliefType, &C::LetReliefType>("ReliefType")
-      .Property<&C::GetDropFlags, &C::LetDropFlags>("DropFlags")
-      .Property<&C::GetStockSegmentLength, &C::LetStockSegmentLength>("StockSegmentLength", Names{"Index"})
-      .Property<&C::GetExtrudeDistance, &C::LetExtrudeDistance>("ExtrudeDistance", Names{"Index"})
-      .Property<&C::GetDirection, &C::LetDirection>("Direction")
-      .Property<&C::GetInsideRadius, &C::LetInsideRadius>("InsideRadius")
-      .Property<&C::GetAngle, &C::LetAngle>("Angle")
-      .Property<&C::GetUserName, &C::LetUserName>("UserName")
-      .Get<&C::GetBendComponent>("BendComponent")
-      .Get<&C::GetPart>("Part")
-      .Method<&C::Finish>("Finish")
-      .Method<&C::Create>("Create", Names{"Parent"})
-      .Property<&C::GetCornerReliefDepth, &C::LetCornerReliefDepth>("CornerReliefDepth", Names{"Index"})
-      .Property<&C::GetCornerReliefType, &C::LetCornerReliefType>("CornerReliefType", Names{"Index"})
-      .Property<&C::GetCornerReliefOrientation, &C::LetCornerReliefOrientation>("CornerReliefOrientation",
-                                                                               Names{"Index"});
+      .Property<&C::GetReliefType, &C::LetReliefType>(
+          "ReliefType", Doc{"The relief shape (ESheetMetalBendReliefTypes); sent with 1 and 2 exchanged, as "
+                            "the host numbers them."})
+      .Property<&C::GetDropFlags, &C::LetDropFlags>(
+          "DropFlags", Doc{"The bend's drop options (ESheetMetalBendDropFlags bits)."})
+      .Property<&C::GetStockSegmentLength, &C::LetStockSegmentLength>(
+          "StockSegmentLength", Names{"Index"},
+          Doc{"The length of stock segment 1 or 2; any other index reads 0 and is ignored on assignment."})
+      .Property<&C::GetExtrudeDistance, &C::LetExtrudeDistance>(
+          "ExtrudeDistance", Names{"Index"},
+          Doc{"The extrude distance of segment 1 or 2; any other index reads 0 and is ignored on "
+              "assignment."})
+      .Property<&C::GetDirection, &C::LetDirection>("Direction",
+                                                    Doc{"The bend direction (ESheetMetalBendDirections)."})
+      .Property<&C::GetInsideRadius, &C::LetInsideRadius>("InsideRadius",
+                                                          Doc{"The inside radius of the bend."})
+      .Property<&C::GetAngle, &C::LetAngle>("Angle", Doc{"The bend angle in radians."})
+      .Property<&C::GetUserName, &C::LetUserName>(
+          "UserName",
+          Doc{"The name the created shape receives; a new builder holds the localized \"Sheet Metal\"."})
+      .Get<&C::GetBendComponent>(
+          "BendComponent", Doc{"The host's bend component of the created shape; Nothing before Create."})
+      .Get<&C::GetPart>("Part", Doc{"The sheet-metal part made by Create for an assembly parent, else the "
+                                    "parent Create was given; Nothing before Create."})
+      .Method<&C::Finish>("Finish", Doc{"Writes the bend parameters to the bend component and regenerates "
+                                        "the shape; before Create it makes no host call."})
+      .Method<&C::Create>("Create", Names{"Parent"},
+                          Doc{"Adds a bend shape under Parent (inside a new sheet-metal part when Parent is "
+                              "an assembly) and returns it. Host errors are raised as they come."})
+      .Property<&C::GetCornerReliefDepth, &C::LetCornerReliefDepth>(
+          "CornerReliefDepth", Names{"Index"},
+          Doc{"The corner relief depth of segment 1 or 2; any other index reads 0 and is ignored on "
+              "assignment."})
+      .Property<&C::GetCornerReliefType, &C::LetCornerReliefType>(
+          "CornerReliefType", Names{"Index"},
+          Doc{"The corner relief type of segment 1 or 2; any other index reads 0 and is ignored on "
+              "assignment."})
+      .Property<&C::GetCornerReliefOrientation, &C::LetCornerReliefOrientation>(
+          "CornerReliefOrientation", Names{"Index"},
+          Doc{"The corner relief orientation of segment 1 or 2; any other index reads 0 and is ignored on "
+              "assignment."});
 }
 
 namespace {
@@ -99,3 +127,37 @@ void TKSMBendShape::Finish() {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKSMBendShape)
+
+// The enumerations of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendDirections, "TKSMBendShape",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDirection_Up),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDirection_Down),
+                        })
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendDropFlags, "TKSMBendShape",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_None),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_Autosize),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_AlignInside),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_AlignOutside),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_RadiusSeam),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_RadiusFromPreferences),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_AddFlatStock),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_SegmentOneHandleDisplayed),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_SegmentTwoHandleDisplayed),
+                        })
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendReliefTypes, "TKSMBendShape",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendRelief_None),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendRelief_Rectangular),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendRelief_Circular),
+                        })
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalReliefs, "TKSMBendShape",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_None),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_SegmentOneBelow),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_SegmentOneAbove),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_SegmentTwoBelow),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_SegmentTwoAbove),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_All),
+                        })

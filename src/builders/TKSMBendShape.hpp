@@ -15,6 +15,7 @@
 #include <string>
 
 #include "automation/Members.hpp"
+#include "frame/Conventions.hpp"
 #include "frame/Globals.hpp"
 
 namespace TessarkAO {
@@ -105,7 +106,7 @@ class TKSMBendShape final : public Dispatch<TKSMBendShape> {
 
   InstanceRegistration registration_;
   // Pi as the 15-digit literal the library uses for every angle.
-  double angle_ = 3.14159265358979 / 180.0 * 90.0;
+  double angle_ = kPi / 180.0 * 90.0;
   double insideRadius_ = 0.001;
   std::int32_t direction_ = SheetMetalBendDirection_Up;
   std::int32_t dropFlags_ = SheetMetalBendDropFlag_Autosize + SheetMetalBendDropFlag_AlignOutside;

@@ -1,6 +1,7 @@
 #include "builders/TKSMConicShape.hpp"
 
 #include "automation/AutomationError.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 
@@ -8,10 +9,15 @@ void TKSMConicShape::Describe(ClassBuilder<TKSMConicShape>& b) {
   using C = TKSMConicShape;
   DescribeUserName(b);
   DescribePosition(b)
-      .Property<&C::GetTopRadius, &C::LetTopRadius>("TopRadius")
-      .Property<&C::GetBottomRadius, &C::LetBottomRadius>("BottomRadius")
-      .Property<&C::GetHeight, &C::LetHeight>("Height")
-      .Property<&C::GetThickness, &C::LetThickness>("Thickness");
+      .Property<&C::GetTopRadius, &C::LetTopRadius>(
+          "TopRadius",
+          Doc{"The radius of the top circle, default 0.5; raises 5 when negative (0 makes a pointed cone)."})
+      .Property<&C::GetBottomRadius, &C::LetBottomRadius>(
+          "BottomRadius", Doc{"The radius of the bottom circle, default 1.0; raises 5 when negative."})
+      .Property<&C::GetHeight, &C::LetHeight>(
+          "Height", Doc{"The distance between the two circles, default 1.0; raises 5 unless above 0."})
+      .Property<&C::GetThickness, &C::LetThickness>(
+          "Thickness", Doc{"The sheet thickness, default 0.1; raises 5 unless above 0."});
   DescribeClosing(b, /*pathComponents=*/false, /*part=*/true);
 }
 
@@ -40,7 +46,7 @@ void TKSMConicShape::LetThickness(double thickness) {
 namespace {
 // Sends one of the conic's named parameters.
 void LetNamedVariable(const Variant& component, std::string_view name, double value) {
-  const Variant variable = Globals::FindHostVariable(component, name);
+  const Variant variable = Host::FindVariable(component, name);
   if (variable.IsNothing())
     Raise(Err::NoSuchMember,
           "The host's sheet-metal component has no variable \"" + std::string(name) + "\"");

@@ -15,7 +15,7 @@
 //   for flat stock); then the variables named "Top Radius", "Bottom Radius"
 //   and "Height" receive TopRadius, BottomRadius and Height, in that order.
 //   The host gives these three names but no fixed numbers, so each is found
-//   by name in the component's variable list (Globals::FindHostVariable);
+//   by name in the component's variable list (Host::FindVariable);
 //   a host that lacks one raises 438 naming the variable, after the values
 //   before it were sent.
 //   Finish regenerates the stock as the sheet-metal extrude does: Update,

@@ -7,17 +7,22 @@
 namespace TessarkAO {
 
 namespace {
-constexpr double kFullTurn = 2 * 3.14159265358979;
+constexpr double kFullTurn = 2 * kPi;
 }
 
 void TKSMCurvedStockShape::Describe(ClassBuilder<TKSMCurvedStockShape>& b) {
   using C = TKSMCurvedStockShape;
   DescribeUserName(b);
   DescribePosition(b)
-      .Property<&C::GetRadius, &C::LetRadius>("Radius")
-      .Property<&C::GetSweepAngle, &C::LetSweepAngle>("SweepAngle")
-      .Property<&C::GetWidth, &C::LetWidth>("Width")
-      .Property<&C::GetThickness, &C::LetThickness>("Thickness");
+      .Property<&C::GetRadius, &C::LetRadius>(
+          "Radius", Doc{"The inside radius of the curve, default 1.0; raises 5 unless above 0."})
+      .Property<&C::GetSweepAngle, &C::LetSweepAngle>(
+          "SweepAngle", Doc{"The angle the stock turns through, in radians, default a quarter turn. Raises 5 "
+                            "unless strictly between 0 and a full turn."})
+      .Property<&C::GetWidth, &C::LetWidth>(
+          "Width", Doc{"The extent of the stock along the arc's axis, default 1.0; raises 5 unless above 0."})
+      .Property<&C::GetThickness, &C::LetThickness>(
+          "Thickness", Doc{"The sheet thickness, default 0.1; raises 5 unless above 0."});
   DescribeClosing(b, /*pathComponents=*/true, /*part=*/true);
 }
 

@@ -28,6 +28,7 @@
 #pragma once
 
 #include "builders/BuilderBase.hpp"
+#include "frame/Conventions.hpp"
 
 namespace TessarkAO {
 
@@ -43,8 +44,8 @@ class TKSMCurvedStockShape final : public PlacedBuilder<TKSMCurvedStockShape> {
   double GetRadius() const { return radius_; }
   void LetRadius(double radius);
   // The angle the stock turns through, in radians; default a quarter turn
-  // computed as 3.14159265358979 / 180 * 90.  Raises 5 unless it lies
-  // strictly between 0 and a full turn (2 * 3.14159265358979): one arc
+  // computed as kPi / 180 * 90.  Raises 5 unless it lies
+  // strictly between 0 and a full turn (2 * kPi): one arc
   // cannot close on itself.
   double GetSweepAngle() const { return sweepAngle_; }
   void LetSweepAngle(double angle);
@@ -60,7 +61,7 @@ class TKSMCurvedStockShape final : public PlacedBuilder<TKSMCurvedStockShape> {
 
  private:
   double radius_ = 1.0;
-  double sweepAngle_ = 3.14159265358979 / 180 * 90;
+  double sweepAngle_ = kPi / 180 * 90;
   double width_ = 1.0;
   double thickness_ = 0.1;
 };

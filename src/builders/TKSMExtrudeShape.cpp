@@ -1,14 +1,17 @@
 #include "builders/TKSMExtrudeShape.hpp"
 
+#include "automation/Enumerations.hpp"
+
 namespace TessarkAO {
 
 void TKSMExtrudeShape::Describe(ClassBuilder<TKSMExtrudeShape>& b) {
   using C = TKSMExtrudeShape;
   DescribeUserName(b);
   DescribePosition(b)
-      .Let<&C::LetSheetMetalType>("SheetMetalType")
+      .Let<&C::LetSheetMetalType>(
+          "SheetMetalType", Doc{"The kind of sheet-metal extrude (ESheetMetalTypes: flat stock or punch)."})
       .Get<&C::GetSheetMetalType>("SheetMetalType")
-      .Property<&C::GetThickness, &C::LetThickness>("Thickness");
+      .Property<&C::GetThickness, &C::LetThickness>("Thickness", Doc{"The sheet thickness."});
   DescribeClosing(b, /*pathComponents=*/true, /*part=*/true);
 }
 
@@ -25,3 +28,10 @@ Variant TKSMExtrudeShape::Create(Variant parent) {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKSMExtrudeShape)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalTypes, "TKSMExtrudeShape",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalType_FlatStock),
+                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalType_Punch),
+                        })

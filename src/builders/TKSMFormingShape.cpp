@@ -8,10 +8,17 @@ void TKSMFormingShape::Describe(ClassBuilder<TKSMFormingShape>& b) {
   using C = TKSMFormingShape;
   DescribeUserName(b);
   DescribePosition(b)
-      .Property<&C::GetDepth, &C::LetDepth>("Depth")
-      .Property<&C::GetPunchRadius, &C::LetPunchRadius>("PunchRadius")
-      .Property<&C::GetDieRadius, &C::LetDieRadius>("DieRadius")
-      .Property<&C::GetDirection, &C::LetDirection>("Direction");
+      .Property<&C::GetDepth, &C::LetDepth>(
+          "Depth", Doc{"How far the tool presses the sheet, default 0.25; raises 5 unless above 0."})
+      .Property<&C::GetPunchRadius, &C::LetPunchRadius>(
+          "PunchRadius", Doc{"The rounding of the tool's nose (the floor of the form), default 0.0625; "
+                             "raises 5 when negative."})
+      .Property<&C::GetDieRadius, &C::LetDieRadius>(
+          "DieRadius",
+          Doc{"The rounding where the form meets the flat sheet, default 0.0625; raises 5 when negative."})
+      .Property<&C::GetDirection, &C::LetDirection>(
+          "Direction",
+          Doc{"Up (1, the default) or Down (2) (ESheetMetalFormDirections); any other value raises 5."});
   DescribeClosing(b, /*pathComponents=*/true, /*part=*/true);
 }
 

@@ -42,12 +42,8 @@ class ClassFactory final : public IClassFactory {
       const HRESULT hr = dispatch->QueryInterface(riid, out);
       dispatch->Release();
       return hr;
-    } catch (const AutomationError& e) {
-      return static_cast<HRESULT>(e.HResult());
-    } catch (const std::bad_alloc&) {
-      return E_OUTOFMEMORY;
     } catch (...) {
-      return E_UNEXPECTED;
+      return static_cast<HRESULT>(CurrentError().HResult());
     }
   }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {

@@ -10,6 +10,8 @@
 #include <unordered_map>
 
 #include "automation/AutomationError.hpp"
+#include "automation/Call.hpp"
+#include "automation/IdentityMap.hpp"
 #include "automation/Members.hpp"
 #include "com/ComServer.hpp"
 #include "com/VariantBridge.hpp"
@@ -38,8 +40,8 @@ const ClassRecord* RecordOfClass(const ClassInfo* info) {
 }
 
 // Fills EXCEPINFO and the thread's error object from an automation error.
-HRESULT Fail(const AutomationError& e, const std::string& source, const GUID& iid, EXCEPINFO* ei) {
-  const std::string& src = e.Source().empty() ? source : e.Source();
+HRESULT Fail(const AutomationError& e, const GUID& iid, EXCEPINFO* ei) {
+  const std::string& src = e.Source();
   if (ei) {
     std::memset(ei, 0, sizeof *ei);
     ei->scode = static_cast<SCODE>(e.HResult());
@@ -66,7 +68,6 @@ class DispatchAdapter final : public IDispatch, public ISupportErrorInfo, public
  public:
   explicit DispatchAdapter(Ref<Object> object)
       : object_(std::move(object)), info_(object_->Class()), record_(RecordOfClass(info_)) {
-    source_ = std::string(kProjectName) + "." + (record_ ? std::string(record_->name) : object_->TypeName());
     iid_ = record_ ? IidsOf(*record_).iid : IID_IDispatch;
     ++g_adapters;
     ObjectCreated();
@@ -163,24 +164,17 @@ class DispatchAdapter final : public IDispatch, public ISupportErrorInfo, public
   Ref<Object> object_;
   const ClassInfo* info_;
   const ClassRecord* record_;
-  std::string source_;
   GUID iid_;
 };
 
 // The identity map: native object to its live adapter.
-std::mutex g_mapMutex;
-std::unordered_map<const Object*, DispatchAdapter*>& AdapterMap() {
-  static auto* map = new std::unordered_map<const Object*, DispatchAdapter*>();
+IdentityMap<Object, DispatchAdapter>& AdapterMap() {
+  static auto* map = new IdentityMap<Object, DispatchAdapter>();
   return *map;
 }
 
 void DispatchAdapter::Destroy() {
-  {
-    std::lock_guard lock(g_mapMutex);
-    auto& map = AdapterMap();
-    auto it = map.find(object_.get());
-    if (it != map.end() && it->second == this) map.erase(it);
-  }
+  AdapterMap().Erase(object_.get(), this);
   delete this;
 }
 
@@ -218,11 +212,8 @@ HRESULT DispatchAdapter::GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count,
   for (UINT i = 1; i < count; ++i) {
     ids[i] = DISPID_UNKNOWN;
     if (m && names[i]) {
-      const NarrowName name(names[i]);
-      for (const Accessor* a : {&m->get, &m->let, &m->set}) {
-        for (std::size_t p = 0; p < a->params.size() && ids[i] == DISPID_UNKNOWN; ++p)
-          if (EqualsNoCase(a->params[p].name, name.view)) ids[i] = static_cast<DISPID>(p);
-      }
+      const std::size_t p = ParameterIndex(*m, CallKind::Get, NarrowName(names[i]).view);
+      if (p != kNoParameter) ids[i] = static_cast<DISPID>(p);
     }
     if (ids[i] == DISPID_UNKNOWN) hr = DISP_E_UNKNOWNNAME;
   }
@@ -266,8 +257,8 @@ HRESULT DispatchAdapter::Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPA
       const VARTYPE vt = V_VT(&v) & ~VT_BYREF;
       kind = (vt == VT_DISPATCH || vt == VT_UNKNOWN) ? CallKind::Set : CallKind::Let;
     }
-  } else if (member && member->isMethod) {
-    kind = CallKind::Method;
+  } else {
+    kind = ResolveKind(member, CallKind::Get);
   }
 
   // Only the arguments in use are constructed (this is the hot path).
@@ -304,32 +295,19 @@ HRESULT DispatchAdapter::Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPA
   }
 
   try {
-    Variant r = object_->InvokeId(id, kind, std::span<Variant>(args, count));
+    const std::span<Variant> placed(args, count);
+    Variant r = Call(*object_, id, kind, placed);
     // Outputs go back to the caller's by-reference arguments.
-    const Accessor* acc = nullptr;
-    if (member) {
-      if (kind == CallKind::Let) acc = member->let ? &member->let : &member->set;
-      else if (kind == CallKind::Set) acc = member->set ? &member->set : &member->let;
-      else acc = &member->get;
-    }
-    for (std::size_t i = 0; i < count; ++i) {
-      if (!from[i] || !(V_VT(from[i]) & VT_BYREF)) continue;
-      if (acc && (i >= acc->params.size() || !acc->params[i].output)) continue;
-      StoreByRef(*from[i], args[i]);
-    }
+    for (std::size_t i = 0; i < count; ++i)
+      if (from[i] && (V_VT(from[i]) & VT_BYREF) && WritesBack(member, kind, placed, i))
+        StoreByRef(*from[i], args[i]);
     if (result) {
       VariantInit(result);
       ToVariant(r, *result);
     }
     return S_OK;
-  } catch (const AutomationError& e) {
-    return Fail(e, source_, iid_, exception);
-  } catch (const std::bad_alloc&) {
-    return Fail(AutomationError(Err::OutOfMemory), source_, iid_, exception);
-  } catch (const std::exception& e) {
-    return Fail(AutomationError(Err::AutomationFailure, e.what()), source_, iid_, exception);
   } catch (...) {
-    return Fail(AutomationError(Err::AutomationFailure), source_, iid_, exception);
+    return Fail(CurrentError(SourceOf(*object_)), iid_, exception);
   }
 }
 
@@ -337,13 +315,9 @@ HRESULT DispatchAdapter::Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPA
 
 IDispatch* AdapterOf(const Ref<Object>& object) {
   if (!object) return nullptr;
-  std::lock_guard lock(g_mapMutex);
-  auto& map = AdapterMap();
-  auto it = map.find(object.get());
-  if (it != map.end() && it->second->TryAddRef()) return it->second;
-  auto* adapter = new DispatchAdapter(object);
-  map[object.get()] = adapter;
-  return adapter;
+  return AdapterMap().FindOrAdd(
+      object.get(), [](DispatchAdapter* a) { return a->TryAddRef(); },
+      [&] { return new DispatchAdapter(object); });
 }
 
 Object* NativeObjectOf(IUnknown* unknown) noexcept {

@@ -10,6 +10,7 @@
 
 #include <new>
 
+#include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
 #include "com/ClassFactory.hpp"
 #include "com/ComServer.hpp"
@@ -36,9 +37,23 @@ LONG SetValue(const RegistryValue& v) {
   return status;
 }
 
+// Whether the server of the other bitness still has its entry in this
+// view's TypeLib key (a key the system may share between the views).
+bool OtherPlatformKeepsTypeLibrary() {
+  const std::string_view other = kTypeLibraryPlatform == "win64" ? "win32" : "win64";
+  const std::wstring path = Win32::Widen(TypeLibraryPlatformKey(ServerTypeLibrary(), other));
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return false;
+  RegCloseKey(key);
+  return true;
+}
+
 LONG RemoveTrees() {
   LONG worst = ERROR_SUCCESS;
-  for (const std::string& tree : RegistrationTrees(LibraryClasses(), ServerTypeLibrary())) {
+  const std::string libraryTree = "TypeLib\\" + std::string(ServerTypeLibrary().libid);
+  const bool keepLibrary = OtherPlatformKeepsTypeLibrary();
+  for (std::string tree : RegistrationTrees(LibraryClasses(), ServerTypeLibrary())) {
+    if (keepLibrary && tree == libraryTree) tree = TypeLibraryPlatformKey(ServerTypeLibrary(), kTypeLibraryPlatform);
     const std::wstring path = Win32::Widen(tree);
     const LONG status = RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str());
     if (status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND) {
@@ -75,10 +90,8 @@ extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid,
     const HRESULT hr = factory->QueryInterface(riid, out);
     factory->Release();
     return hr;
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
   } catch (...) {
-    return E_UNEXPECTED;
+    return static_cast<HRESULT>(CurrentError().HResult());
   }
 }
 

@@ -48,10 +48,14 @@ std::vector<RegistryValue> RegistrationValues(std::span<const ServedClass> class
   }
   const std::string libKey = "TypeLib\\" + std::string(lib.libid) + "\\" + Version(lib);
   out.push_back({libKey, "", std::string(lib.helpString)});
-  out.push_back({libKey + "\\0\\win64", "", path});
+  out.push_back({libKey + "\\0\\" + std::string(kTypeLibraryPlatform), "", path});
   out.push_back({libKey + "\\FLAGS", "", "0"});
   out.push_back({libKey + "\\HELPDIR", "", Folder(path)});
   return out;
+}
+
+std::string TypeLibraryPlatformKey(const TypeLibraryInfo& lib, std::string_view platform) {
+  return "TypeLib\\" + std::string(lib.libid) + "\\" + Version(lib) + "\\0\\" + std::string(platform);
 }
 
 std::vector<std::string> RegistrationTrees(std::span<const ClassRecord> catalogue, const TypeLibraryInfo& lib) {

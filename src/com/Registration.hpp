@@ -20,13 +20,17 @@
 // and once for the type library (embedded in the DLL as resource 1):
 //
 //   TypeLib\{libid}\1.0                    (default) the library's help string
-//   TypeLib\{libid}\1.0\0\win64            (default) the DLL's path
+//   TypeLib\{libid}\1.0\0\win64            (default) the DLL's path (win32 for
+//                                          the 32-bit server)
 //   TypeLib\{libid}\1.0\FLAGS              (default) "0"
 //   TypeLib\{libid}\1.0\HELPDIR            (default) the DLL's folder
 //
 // Unregistration removes the trees of every catalogued class, interface and
 // the library, whether or not this build served them, so that nothing of the
-// server stays behind after an older or newer build was registered.
+// server stays behind after an older or newer build was registered.  The
+// 32-bit and the 64-bit server each register in their own registry view;
+// where the system keeps the TypeLib key shared between the views, the one
+// unregistered first leaves the other's platform entry in place.
 #pragma once
 
 #include <span>
@@ -41,6 +45,11 @@ namespace TessarkAO::Com {
 
 // The system's marshaller for dispatch interfaces (PSDispatch).
 inline constexpr std::string_view kDispatchProxyStub = "{00020420-0000-0000-C000-000000000046}";
+
+// The platform key of the type library's path: the bitness of this build.
+inline constexpr std::string_view kTypeLibraryPlatform = sizeof(void*) == 8 ? "win64" : "win32";
+// "TypeLib\{libid}\1.0\0\<platform>".
+std::string TypeLibraryPlatformKey(const TypeLibraryInfo& library, std::string_view platform);
 
 struct RegistryValue {
   std::string key;   // below HKEY_CLASSES_ROOT

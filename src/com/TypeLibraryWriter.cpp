@@ -2,6 +2,7 @@
 
 #include "automation/AutomationError.hpp"
 #include "automation/Convert.hpp"
+#include "automation/Enumerations.hpp"
 #include "com/Guid.hpp"
 #include "frame/ClassCatalogue.hpp"
 
@@ -155,6 +156,18 @@ void WriteInterface(std::string& out, const ServedClass& c) {
   out += "  };\n\n";
 }
 
+// The enumerations of a served class's interface, as the scripting runtimes
+// show them: `TKColumnTypes` with its constants and their values.
+void WriteEnumeration(std::string& out, const EnumInfo& e) {
+  const std::string name = IdlIdentifier(e.name);
+  out += "  typedef [helpstring(" + Quote("Enumeration of " + std::string(e.owner)) + ")] enum " + name + " {\n";
+  for (std::size_t i = 0; i < e.constants.size(); ++i) {
+    out += "    " + IdlIdentifier(e.constants[i].name) + " = " + std::to_string(e.constants[i].value);
+    out += i + 1 < e.constants.size() ? ",\n" : "\n";
+  }
+  out += "  } " + name + ";\n\n";
+}
+
 }  // namespace
 
 std::string_view IdlTypeName(VarType type) noexcept {
@@ -215,6 +228,8 @@ std::string WriteIdl(const TypeLibraryInfo& lib, std::span<const ServedClass> cl
   out += "[\n  uuid(" + std::string(StripBraces(lib.libid)) + "),\n  version(" + std::to_string(lib.major) +
          "." + std::to_string(lib.minor) + "),\n  helpstring(" + Quote(lib.helpString) + ")\n]\n";
   out += "library " + IdlIdentifier(lib.name) + "\n{\n  importlib(\"stdole2.tlb\");\n\n";
+  for (const ServedClass& c : classes)
+    for (const EnumInfo* e : EnumerationsOf(c.record->name)) WriteEnumeration(out, *e);
   for (const ServedClass& c : classes) WriteInterface(out, c);
   for (const ServedClass& c : classes) {
     out += "  [uuid(" + std::string(StripBraces(c.record->clsid)) + "), helpstring(\"" +

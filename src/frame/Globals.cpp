@@ -49,16 +49,6 @@ std::string LoadString(std::int32_t id) {
   return ToString(Variant(loc).Call("LoadString", id));
 }
 
-Variant FindHostVariable(const Variant& component, std::string_view name) {
-  const Variant variables = component.Get("Variables");
-  const std::int32_t count = ToLong(variables.Get("Count"));
-  for (std::int32_t i = 1; i <= count; ++i) {
-    Variant variable = variables.Call("Item", i);
-    if (EqualsNoCaseAscii(ToString(variable.Get("Name")), name)) return variable;
-  }
-  return Variant::Nothing();
-}
-
 }  // namespace TessarkAO::Globals
 
 namespace TessarkAO {

@@ -28,14 +28,6 @@ Ref<Object> SharedLocalizer() noexcept;
 // empty, the localizer's own error for an unknown id.
 std::string LoadString(std::int32_t id);
 
-// The variable of a host component whose Name is `name` (compared without
-// regard to case, as the host compares variable names in its formulas),
-// found by walking component.Variables from Item(1) to Item(Count); the
-// first match wins.  Nothing when the component has no such variable.  The
-// conic sheet-metal builder reaches its parameters this way, since the host
-// gives them names but no fixed numbers.  Host errors are not trapped.
-Variant FindHostVariable(const Variant& component, std::string_view name);
-
 }  // namespace TessarkAO::Globals
 
 namespace TessarkAO {

@@ -11,7 +11,7 @@
 //        p' = p · A · B      // p is turned by A, the result then by B
 //        C = A.MultiplyByMatrix(B)  ==>  p · C == (p · A) · B
 //  - Angles are degrees at every public member; they become radians with the
-//    library's 15-digit pi, 3.14159265358979 (kPi), never a more precise one.
+//    library's 15-digit pi (kPi, frame/Conventions.hpp), never a more precise one.
 //  - Tolerances (Epsilon, default 1e-9) are absolute and compared strictly:
 //    a value is "near zero" when |value| < Epsilon.
 //  - Sums of products run k = 0, 1, 2, 3 left to right, starting with the
@@ -33,13 +33,10 @@
 
 #include "automation/AutomationError.hpp"
 #include "automation/Variant.hpp"
+#include "frame/Conventions.hpp"
 
 namespace TessarkAO {
 
-// The library's value of pi: 15 significant digits, used for every degree
-// conversion.  Results such as AngleBetween((1,0,0), (0,1,0)) =
-// 90.00000000000009 depend on it.
-inline constexpr double kPi = 3.14159265358979;
 inline constexpr double kDefaultEpsilon = 1e-9;
 
 // A 4×4 block of doubles, (row, column), as TKMatrix4d stores it.

@@ -10,14 +10,23 @@
 namespace TessarkAO {
 
 void TK2DLine::Describe(ClassBuilder<TK2DLine>& b) {
-  b.Property<&TK2DLine::Slope, &TK2DLine::LetSlope>("Slope")
-      .Property<&TK2DLine::Intercept, &TK2DLine::LetIntercept>("Intercept")
-      .Get<&TK2DLine::IsVertical>("IsVertical")
-      .Method<&TK2DLine::SetDefinitionFromAngleAndPoint>("SetDefinitionFromAngleAndPoint",
-                                                         Names{"Angle", "X", "Y"})
-      .Method<&TK2DLine::SetDefinitionFromTwoPoints>("SetDefinitionFromTwoPoints",
-                                                     Names{"X1", "Y1", "X2", "Y2"})
-      .Method<&TK2DLine::GetIntersectionPoint>("GetIntersectionPoint", Names{"Line", "X", "Y"});
+  b.Property<&TK2DLine::Slope, &TK2DLine::LetSlope>(
+       "Slope", Doc{"The line's slope, stored unchanged (a slope of 1e9 or more makes the line vertical)."})
+      .Property<&TK2DLine::Intercept, &TK2DLine::LetIntercept>(
+          "Intercept", Doc{"The line's Y intercept (for a vertical line its X position), stored unchanged."})
+      .Get<&TK2DLine::IsVertical>("IsVertical", Doc{"Whether the line is vertical."})
+      .Method<&TK2DLine::SetDefinitionFromAngleAndPoint>(
+          "SetDefinitionFromAngleAndPoint", Names{"Angle", "X", "Y"},
+          Doc{"Defines the line through (X, Y) at Angle degrees. Always returns True."})
+      .Method<&TK2DLine::SetDefinitionFromTwoPoints>(
+          "SetDefinitionFromTwoPoints", Names{"X1", "Y1", "X2", "Y2"},
+          Doc{"Defines the line through two points; two equal points change nothing. Returns False in every "
+              "case, also after a successful definition, deliberately."})
+      .Method<&TK2DLine::GetIntersectionPoint>(
+          "GetIntersectionPoint", Names{"Line", "X", "Y"}, Out<2, 3>{},
+          Doc{"Writes the crossing with Line into X and Y and returns True; returns False with X and Y "
+              "untouched when the slopes are equal or both lines are vertical. Line is read through its "
+              "Slope, Intercept and IsVertical."});
 }
 
 bool TK2DLine::SetDefinitionFromAngleAndPoint(double angle, double x, double y) {

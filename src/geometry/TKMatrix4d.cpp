@@ -18,48 +18,100 @@ namespace TessarkAO {
 
 void TKMatrix4d::Describe(ClassBuilder<TKMatrix4d>& b) {
   using M = TKMatrix4d;
-  b.Method<&M::Zero>("Zero")
-      .Method<&M::SetMatrix>("SetMatrix", Names{"Matrix"})
-      .Method<&M::Copy>("Copy", Names{"Matrix4d"})
-      .Method<&M::GetAxisAndAngle>("GetAxisAndAngle", Names{"VecX", "VecY", "VecZ", "Degrees"})
-      .Get<&M::Adjoint>("Adjoint")
-      .Get<&M::Determinant>("Determinant")
-      .Method<&M::Invert>("Invert")
-      .Method<&M::MultiplyByPoint>("MultiplyByPoint", Names{"Point"})
-      .Method<&M::MultiplyByVector>("MultiplyByVector", Names{"Vector"})
+  b.Method<&M::Zero>("Zero", Doc{"Sets all 16 elements to 0."})
+      .Method<&M::SetMatrix>("SetMatrix", Names{"Matrix"},
+                             Doc{"Copies a 4x4 array (bounds 0 to 3 in both dimensions) into the elements; "
+                                 "any other shape changes nothing, deliberately. No clean-up."})
+      .Method<&M::Copy>("Copy", Names{"Matrix4d"}, Doc{"The same as CopyFromIUnknown."})
+      .Method<&M::GetAxisAndAngle>(
+          "GetAxisAndAngle", Names{"VecX", "VecY", "VecZ", "Degrees"}, Out<1, 2, 3, 4>{},
+          Doc{"Writes the unit axis and the angle in degrees (0 to 180) of the rotation in the upper-left "
+              "block, in the sense of SetRotationAboutArbitraryAxis; no rotation gives 0 about (0, 0, 1)."})
+      .Get<&M::Adjoint>("Adjoint", Doc{"A new matrix holding the adjoint (transposed cofactor matrix)."})
+      .Get<&M::Determinant>("Determinant", Doc{"The determinant of the 4x4 matrix."})
+      .Method<&M::Invert>(
+          "Invert",
+          Doc{"Inverts in place and returns the determinant. A determinant of exactly 0 is retried on the "
+              "matrix scaled by 100000; if still 0 the result is 0 and the matrix stays scaled."})
+      .Method<&M::MultiplyByPoint>("MultiplyByPoint", Names{"Point"},
+                                   Doc{"A new vector: Point times the upper-left block plus the translation "
+                                       "row (W 0, Epsilon 1e-9, no clean-up)."})
+      .Method<&M::MultiplyByVector>(
+          "MultiplyByVector", Names{"Vector"},
+          Doc{"A new vector: Vector times the upper-left 3x3 block, translation ignored (W 0, no clean-up)."})
       .Method<static_cast<void (M::*)(Ref<Object>)>(&M::MultiplySelfByMatrix)>(
-          "MultiplySelfByMatrix", Names{"Matrix4d"})
-      .Method<&M::MultiplyByMatrix>("MultiplyByMatrix", Names{"Matrix4d"})
-      .Method<&M::MultiplyTwoMatrices>("MultiplyTwoMatrices",
-                                       Names{"dblMatrixOne", "dblMatrixTwo", "dblResultMatrix"})
-      .Method<&M::SetMatricesEqual>("SetMatricesEqual", Names{"dblToMatrix", "dblFromMatrix"})
-      .Method<&M::MakeIdentity>("MakeIdentity")
-      .Method<&M::SetScaling>("SetScaling", Names{"X", "Y", "Z", "ApplyToCurrent"}, Opt{false})
-      .Method<&M::GetScaling>("GetScaling", Names{"X", "Y", "Z"})
-      .Method<&M::SetTranslation>("SetTranslation", Names{"X", "Y", "Z", "ApplyToCurrent"}, Opt{false})
-      .Method<&M::GetTranslation>("GetTranslation", Names{"X", "Y", "Z"})
-      .Method<&M::SetRotation>("SetRotation", Names{"Axis", "Degrees", "ApplyToCurrent"}, Opt{false})
+          "MultiplySelfByMatrix", Names{"Matrix4d"},
+          Doc{"Me = Me x Matrix4d; Me takes the product's Epsilon, 1e-9."})
+      .Method<&M::MultiplyByMatrix>("MultiplyByMatrix", Names{"Matrix4d"},
+                                    Doc{"A new matrix Me x Matrix4d (Epsilon 1e-9); Me unchanged."})
+      .Method<&M::MultiplyTwoMatrices>(
+          "MultiplyTwoMatrices", Names{"dblMatrixOne", "dblMatrixTwo", "dblResultMatrix"}, Out<3>{},
+          Doc{"Multiplies two 4x4 Double arrays into dblResultMatrix (array form of MultiplyByMatrix)."})
+      .Method<&M::SetMatricesEqual>("SetMatricesEqual", Names{"dblToMatrix", "dblFromMatrix"}, Out<1>{},
+                                    Doc{"Copies the 4x4 array dblFromMatrix into dblToMatrix."})
+      .Method<&M::MakeIdentity>("MakeIdentity", Doc{"Sets the identity matrix."})
+      .Method<&M::SetScaling>("SetScaling", Names{"X", "Y", "Z", "ApplyToCurrent"}, Opt{false},
+                              Doc{"S = diagonal (X, Y, Z, 1); with ApplyToCurrent Me = Me x S, otherwise Me "
+                                  "= S (translation included). Then clean-up."})
+      .Method<&M::GetScaling>("GetScaling", Names{"X", "Y", "Z"}, Out<1, 2, 3>{},
+                              Doc{"Writes the diagonal scale factors M(0,0), M(1,1), M(2,2) into X, Y, Z."})
+      .Method<&M::SetTranslation>(
+          "SetTranslation", Names{"X", "Y", "Z", "ApplyToCurrent"}, Opt{false},
+          Doc{"With ApplyToCurrent Me = T x Me (T the move by X, Y, Z, in Me's local frame); otherwise only "
+              "the translation row is overwritten. Then clean-up."})
+      .Method<&M::GetTranslation>("GetTranslation", Names{"X", "Y", "Z"}, Out<1, 2, 3>{},
+                                  Doc{"Writes the translation row M(3,0..2) into X, Y, Z."})
+      .Method<&M::SetRotation>(
+          "SetRotation", Names{"Axis", "Degrees", "ApplyToCurrent"}, Opt{false},
+          Doc{"Rotation by Degrees about axis 1 (X), 2 (Y) or 3 (Z); any other axis gives the zero matrix. "
+              "With ApplyToCurrent Me = Me x R, otherwise Me = R. Then clean-up."})
       .Method<&M::SetRotationFromPtAndVecToPtAndVec>(
-          "SetRotationFromPtAndVecToPtAndVec", Names{"FromPoint", "FromVector", "ToPoint", "ToVector"})
-      .Method<&M::SetRotationFromPointAxisAndAngle>("SetRotationFromPointAxisAndAngle",
-                                                    Names{"Point", "Axis", "Degrees"})
-      .Method<&M::SetRotationAboutArbitraryAxis>("SetRotationAboutArbitraryAxis",
-                                                 Names{"Vector", "Degrees", "ApplyToCurrent"}, Opt{false})
-      .Method<&M::AcquireMatrix>("AcquireMatrix", Names{"dblMatrix"})
-      .Get<&M::Value>("Value", Names{"Row", "Column"})
+          "SetRotationFromPtAndVecToPtAndVec", Names{"FromPoint", "FromVector", "ToPoint", "ToVector"},
+          Doc{"Me = T(-FromPoint) x R x T(ToPoint), R the shortest right-handed turn carrying FromVector's "
+              "direction onto ToVector's: a point at FromPoint goes to ToPoint. Then clean-up."})
+      .Method<&M::SetRotationFromPointAxisAndAngle>(
+          "SetRotationFromPointAxisAndAngle", Names{"Point", "Axis", "Degrees"},
+          Doc{"Me = R x T: a rotation by Degrees about Axis through the world origin, then the move to Point "
+              "(not a turn about the line through Point, deliberately). Epsilon 1e-9."})
+      .Method<&M::SetRotationAboutArbitraryAxis>(
+          "SetRotationAboutArbitraryAxis", Names{"Vector", "Degrees", "ApplyToCurrent"}, Opt{false},
+          Doc{"Right-handed rotation by Degrees about Vector through the origin; normalises the caller's "
+              "Vector in place; a near-zero vector leaves Me as it is. With ApplyToCurrent Me = Me x R, "
+              "otherwise Me = R."})
+      .Method<&M::AcquireMatrix>("AcquireMatrix", Names{"dblMatrix"}, Out<1>{},
+                                 Doc{"Copies the 16 elements into the caller's 4x4 array (bounds 0 to 3); "
+                                     "any other shape is left unchanged, deliberately."})
+      .Get<&M::Value>("Value", Names{"Row", "Column"},
+                      Doc{"Element (Row, Column), each 0 to 3; raises 9 otherwise. The let cleans up."})
       .Let<&M::LetValue>("Value", Names{"Row", "Column", "Value"})
-      .Property<&M::Epsilon, &M::LetEpsilon>("Epsilon")
-      .Method<&M::GetVectorAxisAndAngle>("GetVectorAxisAndAngle", Names{"Vector", "Degrees"})
-      .Method<&M::IsMatrixEqual>("IsMatrixEqual", Names{"pMatrix4d"})
-      .Method<&M::CopyFromIUnknown>("CopyFromIUnknown", Names{"pMatrix4d"})
-      .Method<&M::SetRotationFromAxisAndPlaneToXYPlane>("SetRotationFromAxisAndPlaneToXYPlane",
-                                                        Names{"Axis", "PlaneTangent"})
+      .Property<&M::Epsilon, &M::LetEpsilon>("Epsilon",
+                                             Doc{"The matrix's tolerance (default 1e-9): elements below it "
+                                                 "in magnitude are set to 0 after most changes."})
+      .Method<&M::GetVectorAxisAndAngle>(
+          "GetVectorAxisAndAngle", Names{"Vector", "Degrees"}, Out<2>{},
+          Doc{"As GetAxisAndAngle, the axis written into Vector through its SetPosition."})
+      .Method<&M::IsMatrixEqual>(
+          "IsMatrixEqual", Names{"pMatrix4d"},
+          Doc{"True when all 16 elements differ from pMatrix4d's by less than Me's Epsilon."})
+      .Method<&M::CopyFromIUnknown>(
+          "CopyFromIUnknown", Names{"pMatrix4d"},
+          Doc{"Copies another matrix late-bound (its AcquireMatrix, then its Epsilon). Every error is "
+              "ignored, so an object lacking those members leaves Me partly or wholly unchanged."})
+      .Method<&M::SetRotationFromAxisAndPlaneToXYPlane>(
+          "SetRotationFromAxisAndPlaneToXYPlane", Names{"Axis", "PlaneTangent"},
+          Doc{"The rotation carrying the frame (Axis, PlaneTangent, Axis x PlaneTangent) onto (X, Y, Z); "
+              "only the part of PlaneTangent perpendicular to Axis counts. A near-zero axis or a tangent "
+              "along it leaves Me unchanged."})
       .Method<&M::SetRotationFromAxisAndPlaneToAxisAndPlane>(
           "SetRotationFromAxisAndPlaneToAxisAndPlane",
-          Names{"FromAxis", "FromPlaneTangent", "ToAxis", "ToPlaneTangent"})
+          Names{"FromAxis", "FromPlaneTangent", "ToAxis", "ToPlaneTangent"},
+          Doc{"The rotation carrying the \"from\" frame onto the \"to\" frame, each built from an axis and a "
+              "plane tangent as for SetRotationFromAxisAndPlaneToXYPlane."})
       .Method<&M::SetRotationFromPtAxisAndPlaneToPtAxisAndPlane>(
           "SetRotationFromPtAxisAndPlaneToPtAxisAndPlane",
-          Names{"FromPoint", "FromAxis", "FromPlaneTangent", "ToPoint", "ToAxis", "ToPlaneTangent"});
+          Names{"FromPoint", "FromAxis", "FromPlaneTangent", "ToPoint", "ToAxis", "ToPlaneTangent"},
+          Doc{"As SetRotationFromAxisAndPlaneToAxisAndPlane with the origins carried along: Me = "
+              "T(-FromPoint) x R x T(ToPoint)."});
 }
 
 // ---------------------------------------------------------------------------

@@ -17,7 +17,7 @@
 //    about axis 1 (X) it turns the other way (Y towards -Z), deliberately.
 //    SetRotationAboutArbitraryAxis and every member derived from it turn
 //    right-handedly about their axis.
-//  - Angles are degrees, converted with the 15-digit pi 3.14159265358979.
+//  - Angles are degrees, converted with the library's 15-digit pi (kPi).
 //    Axis-angle results give the axis as a unit vector and the angle in
 //    [0, 180] degrees.
 //  - Epsilon is an absolute tolerance on element values: the clean-up sets

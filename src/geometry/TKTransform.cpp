@@ -8,16 +8,35 @@ namespace TessarkAO {
 
 void TKTransform::Describe(ClassBuilder<TKTransform>& b) {
   using T = TKTransform;
-  b.Method<&T::InheritTransform>("InheritTransform", Names{"cTransform"})
-      .Method<&T::SetPosition>("SetPosition", Names{"X", "Y", "Z"})
-      .Method<&T::GetPosition>("GetPosition", Names{"X", "Y", "Z"})
-      .Method<&T::SetRotation>("SetRotation", Names{"X", "Y", "Z", "Degrees"})
-      .Method<&T::GetRotation>("GetRotation", Names{"X", "Y", "Z", "Degrees"})
-      .Method<&T::Shift>("Shift", Names{"X", "Y", "Z"})
-      .Method<&T::ShiftLocal>("ShiftLocal", Names{"X", "Y", "Z"})
-      .Get<&T::AxisVector>("AxisVector", Names{"Axis"})
-      .Method<&T::RotateAboutLocalAxis>("RotateAboutLocalAxis", Names{"Axis", "Degrees"})
-      .Property<&T::Epsilon, &T::LetEpsilon>("Epsilon");
+  b.Method<&T::InheritTransform>("InheritTransform", Names{"cTransform"},
+                                 Doc{"Copies another transform's placement through its GetPosition and "
+                                     "GetRotation into SetPosition and SetRotation."})
+      .Method<&T::SetPosition>(
+          "SetPosition", Names{"X", "Y", "Z"},
+          Doc{"Sets the position (X, Y, Z), then clean-up; the local axes are not touched."})
+      .Method<&T::GetPosition>("GetPosition", Names{"X", "Y", "Z"}, Out<1, 2, 3>{},
+                               Doc{"Writes the position into X, Y, Z."})
+      .Method<&T::SetRotation>("SetRotation", Names{"X", "Y", "Z", "Degrees"},
+                               Doc{"Sets the rotation: axis (X, Y, Z), normalised, and Degrees; the local "
+                                   "axes are rebuilt from the world axes, then clean-up."})
+      .Method<&T::GetRotation>(
+          "GetRotation", Names{"X", "Y", "Z", "Degrees"}, Out<1, 2, 3, 4>{},
+          Doc{"Writes the stored normalised axis and the angle of the last SetRotation."})
+      .Method<&T::Shift>("Shift", Names{"X", "Y", "Z"},
+                         Doc{"Adds (X, Y, Z) to the position in world directions (no clean-up)."})
+      .Method<&T::ShiftLocal>(
+          "ShiftLocal", Names{"X", "Y", "Z"},
+          Doc{"Moves the position by X, Y, Z along local axes 1, 2 and 3, then cleans up. A zero local axis "
+              "raises 11 (6 for a zero distance) and leaves the position unchanged."})
+      .Get<&T::AxisVector>("AxisVector", Names{"Axis"},
+                           Doc{"Local axis 1, 2 or 3 itself (a live TKVector4d: changing it changes the "
+                               "transform); any other index gives a new zero vector."})
+      .Method<&T::RotateAboutLocalAxis>(
+          "RotateAboutLocalAxis", Names{"Axis", "Degrees"},
+          Doc{"Turns the other two local axes by Degrees about local axis Axis (1 to 3; any other value does "
+              "nothing); the stored position and rotation are not recomputed."})
+      .Property<&T::Epsilon, &T::LetEpsilon>(
+          "Epsilon", Doc{"The transform's tolerance (default 1e-9); the let only stores it."});
 }
 
 namespace {

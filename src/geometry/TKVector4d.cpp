@@ -5,40 +5,74 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
+#include "automation/Enumerations.hpp"
 #include "geometry/TKMatrix4d.hpp"
 
 namespace TessarkAO {
 
 void TKVector4d::Describe(ClassBuilder<TKVector4d>& b) {
-  b.Property<&TKVector4d::X, &TKVector4d::LetX>("X")
-      .Property<&TKVector4d::Y, &TKVector4d::LetY>("Y")
-      .Property<&TKVector4d::Z, &TKVector4d::LetZ>("Z")
-      .Method<&TKVector4d::Normalize>("Normalize")
-      .Method<&TKVector4d::Cross>("Cross", Names{"Vector"})
-      .Method<&TKVector4d::AngleBetween>("AngleBetween", Names{"Vector"})
-      .Method<&TKVector4d::IsPerpendicular>("IsPerpendicular", Names{"Vector"})
-      .Method<&TKVector4d::Dot>("Dot", Names{"Vector"})
-      .Get<&TKVector4d::Length>("Length")
-      .Method<&TKVector4d::Copy>("Copy", Names{"Vector"})
-      .Method<&TKVector4d::Zero>("Zero")
-      .Method<&TKVector4d::SetPositionFromPoints>("SetPositionFromPoints",
-                                                  Names{"X1", "X2", "Y1", "Y2", "Z1", "Z2"})
+  b.Property<&TKVector4d::X, &TKVector4d::LetX>("X", Doc{"Component 0 (the let runs no clean-up)."})
+      .Property<&TKVector4d::Y, &TKVector4d::LetY>("Y", Doc{"Component 1 (the let runs no clean-up)."})
+      .Property<&TKVector4d::Z, &TKVector4d::LetZ>("Z", Doc{"Component 2 (the let runs no clean-up)."})
+      .Method<&TKVector4d::Normalize>("Normalize", Doc{"Divides X, Y, Z by Length when Length is above "
+                                                       "Epsilon; otherwise nothing changes. W untouched."})
+      .Method<&TKVector4d::Cross>("Cross", Names{"Vector"},
+                                  Doc{"A new vector Me x Vector (right-handed); W 0, Epsilon 1e-9."})
+      .Method<&TKVector4d::AngleBetween>(
+          "AngleBetween", Names{"Vector"},
+          Doc{"The angle to Vector in degrees, 0 to below 180: 0 when either vector is near zero and, "
+              "deliberately, for opposite directions."})
+      .Method<&TKVector4d::IsPerpendicular>("IsPerpendicular", Names{"Vector"},
+                                            Doc{"True when the dot product with Vector is at most Epsilon in "
+                                                "magnitude (unnormalised vectors)."})
+      .Method<&TKVector4d::Dot>("Dot", Names{"Vector"}, Doc{"X*X' + Y*Y' + Z*Z' (W ignored)."})
+      .Get<&TKVector4d::Length>("Length", Doc{"The length of (X, Y, Z) (W ignored)."})
+      .Method<&TKVector4d::Copy>(
+          "Copy", Names{"Vector"},
+          Doc{"Copies Vector's four components (through its AcquireMatrix) and its Epsilon; no clean-up."})
+      .Method<&TKVector4d::Zero>("Zero", Doc{"Sets all four components, W included, to 0."})
+      .Method<&TKVector4d::SetPositionFromPoints>(
+          "SetPositionFromPoints", Names{"X1", "X2", "Y1", "Y2", "Z1", "Z2"},
+          Doc{"Me = (X2 - X1, Y2 - Y1, Z2 - Z1). The interleaved argument order is the interface's."})
       .Method<static_cast<void (TKVector4d::*)(double, double, double)>(&TKVector4d::SetPosition)>(
-          "SetPosition", Names{"X", "Y", "Z"})
-      .Method<&TKVector4d::GetPosition>("GetPosition", Names{"X", "Y", "Z"})
-      .Method<&TKVector4d::Rotate>("Rotate", Names{"Axis", "Degrees"})
-      .Method<&TKVector4d::Stretch>("Stretch", Names{"X", "Y", "Z"})
-      .Method<&TKVector4d::Shift>("Shift", Names{"X", "Y", "Z"})
-      .Method<&TKVector4d::MoveAlongVector>("MoveAlongVector", Names{"Vector", "Distance"})
-      .Method<&TKVector4d::RotateAboutArbitraryAxis>("RotateAboutArbitraryAxis",
-                                                     Names{"Vector", "Degrees"})
-      .Method<&TKVector4d::SubtractVector>("SubtractVector", Names{"Vector"})
-      .Method<&TKVector4d::AddVector>("AddVector", Names{"Vector"})
-      .Method<&TKVector4d::AcquireMatrix>("AcquireMatrix", Names{"dblMatrix"})
-      .Get<&TKVector4d::Value>("Value", Names{"Index"})
+          "SetPosition", Names{"X", "Y", "Z"}, Doc{"Sets X, Y, Z, then clean-up; W untouched."})
+      .Method<&TKVector4d::GetPosition>("GetPosition", Names{"X", "Y", "Z"}, Out<1, 2, 3>{},
+                                        Doc{"Writes X, Y, Z into the three outputs."})
+      .Method<&TKVector4d::Rotate>(
+          "Rotate", Names{"Axis", "Degrees"},
+          Doc{"Turns the vector by Degrees about axis 1 (X), 2 (Y) or 3 (Z), as TKMatrix4d.SetRotation; any "
+              "other axis zeroes the vector. Then clean-up."})
+      .Method<&TKVector4d::Stretch>("Stretch", Names{"X", "Y", "Z"},
+                                    Doc{"Scales the components by X, Y, Z, then clean-up."})
+      .Method<&TKVector4d::Shift>(
+          "Shift", Names{"X", "Y", "Z"},
+          Doc{"Adds (X, Y, Z) whatever W is, then clean-up; offsets below 1e-9 vanish."})
+      .Method<&TKVector4d::MoveAlongVector>(
+          "MoveAlongVector", Names{"Vector", "Distance"},
+          Doc{"Moves Me by Distance along Vector. A zero-length Vector raises 11 (6 when Distance is 0 too) "
+              "and leaves Me unchanged."})
+      .Method<&TKVector4d::RotateAboutArbitraryAxis>(
+          "RotateAboutArbitraryAxis", Names{"Vector", "Degrees"},
+          Doc{"Turns Me right-handed by Degrees about Vector through the origin; the caller's Vector is "
+              "normalised in place; a near-zero axis leaves Me as it is. Then clean-up."})
+      .Method<&TKVector4d::SubtractVector>("SubtractVector", Names{"Vector"},
+                                           Doc{"Subtracts Vector's X, Y, Z (W untouched), then clean-up."})
+      .Method<&TKVector4d::AddVector>("AddVector", Names{"Vector"},
+                                      Doc{"Adds Vector's X, Y, Z (W untouched), then clean-up."})
+      .Method<&TKVector4d::AcquireMatrix>(
+          "AcquireMatrix", Names{"dblMatrix"}, Out<1>{},
+          Doc{"Copies the four components into the caller's one-dimensional array with upper bound 3; any "
+              "other array is left unchanged, deliberately."})
+      .Get<&TKVector4d::Value>(
+          "Value", Names{"Index"},
+          Doc{"Component Index, 0 to 3; raises 9 for any other index. The let runs no clean-up."})
       .Let<&TKVector4d::LetValue>("Value", Names{"Index", "Value"})
-      .Property<&TKVector4d::Epsilon, &TKVector4d::LetEpsilon>("Epsilon")
-      .Method<&TKVector4d::GetColinearStatus>("GetColinearStatus", Names{"Vector"});
+      .Property<&TKVector4d::Epsilon, &TKVector4d::LetEpsilon>(
+          "Epsilon", Doc{"The vector's tolerance (default 1e-9); the let stores it and cleans up with it."})
+      .Method<&TKVector4d::GetColinearStatus>(
+          "GetColinearStatus", Names{"Vector"},
+          Doc{"Whether Vector has the same or the opposite direction (TKColinearStatus), within Epsilon on "
+              "the cosine; a zero vector on either side is NotColinear."});
 }
 
 // ---------------------------------------------------------------------------
@@ -282,3 +316,11 @@ TKColinearStatus TKVector4d::GetColinearStatus(Ref<Object> vector) const {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKVector4d)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKColinearStatus, "TKVector4d",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKColinearStatus_NotColinear),
+                            TK_ENUM_CONSTANT(TessarkAO::TKColinearStatus_SameDirection),
+                            TK_ENUM_CONSTANT(TessarkAO::TKColinearStatus_OppositeDirection),
+                        })

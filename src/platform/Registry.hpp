@@ -7,15 +7,20 @@
 // every call answering with a Win32 status (0 success, 2 not found, 5 access
 // denied, 6 invalid handle, 234 more data, ...).  Key and value names compare
 // case-insensitively and keep the spelling they were created with; the empty
-// value name is the key's default value.  Value data is kept exactly as
-// written: a string written without its terminating NUL stays without it.
+// value name is the key's default value.  Value data is kept as written,
+// with the one rule Windows NT adds: string data whose length leaves out the
+// NUL that follows it in memory is stored with that NUL (so a caller that
+// counts only the characters still stores the whole string); reads are
+// literal.
 //
 // Off Windows the store is an SQLite database file (posix/SqliteRegistry.cpp):
 // `$TESSARKAO_REGISTRY` when set, else
 // `$XDG_CONFIG_HOME/tessarkao/registry.sqlite3`.  A missing file is an empty
 // store, created on the first write.  Every write is one durable transaction,
 // so concurrent processes lose nothing and a crash leaves every committed
-// value in place.  A store that cannot be read answers with a status
+// value in place.  Flush() (and FlushRegistry() at process exit) moves the
+// committed values into the main file and lets go of it, so that a copy of
+// that one file holds everything.  A store that cannot be read answers with a status
 // (5, 1015 corrupt, 1016 I/O failure) and LastError() says why.
 #pragma once
 
@@ -80,7 +85,16 @@ constexpr RegStatus CantOpen = 1011;
 constexpr RegStatus RegistryCorrupt = 1015;
 constexpr RegStatus RegistryIoFailed = 1016;
 constexpr RegStatus KeyDeleted = 1018;
+constexpr RegStatus NoUnicodeTranslation = 1113;
 }  // namespace WinError
+
+// The two formats of the registry editor's .reg files (platform/RegFile.hpp).
+enum class RegFileFormat { Regedit4 = 4, Version5 = 5 };
+// The code page of REGEDIT4 files unless told otherwise.
+inline constexpr unsigned kRegFileCodePage = 1252;
+// UTF-8, as a code page number.
+inline constexpr unsigned kCodePageUtf8 = 65001;
+struct RegFileKey;
 
 // The name a .reg file uses for a root ("HKEY_CURRENT_USER"); "" for other handles.
 std::string_view RegistryRootName(RegHandle root) noexcept;
@@ -106,7 +120,10 @@ class RegistryStore {
   // lacks one and the buffer has room for it.  Any pointer may be null.
   virtual RegStatus QueryValue(RegHandle key, std::string_view name, std::uint32_t* type,
                                std::uint8_t* data, std::uint32_t* size) = 0;
-  // RegSetValueExA: stores `size` bytes of `data` with the type, as given.
+  // RegSetValueExA: stores `size` bytes of `data` with the type, as given,
+  // except that for a string type (1, 2, 7) whose last counted byte is not
+  // NUL and whose next byte is, that NUL is stored too, as NT does: for
+  // string types the byte after the data must be readable.
   virtual RegStatus SetValue(RegHandle key, std::string_view name, std::uint32_t type,
                              const std::uint8_t* data, std::uint32_t size) = 0;
   // RegSetValueA: the default value of `subKey` (created when missing) as a
@@ -125,14 +142,22 @@ class RegistryStore {
   virtual RegStatus EnumValue(RegHandle key, std::uint32_t index, std::string& name,
                               std::uint32_t* type, std::vector<std::uint8_t>* data) = 0;
 
-  // REGEDIT4 import: applies the whole file in one transaction, or nothing
+  // .reg import of a file's bytes in either format (`codePage` is that of a
+  // REGEDIT4 file): applies the whole file in one transaction, or nothing
   // (13 with LastError naming the line when the text is not valid).
-  virtual RegStatus ImportRegText(std::string_view text) = 0;
-  RegStatus ImportRegFile(const std::string& path);
-  // REGEDIT4 export of `subKey` below a root and everything under it (the
-  // whole root when subKey is ""); `root` 0 exports all three roots.
-  virtual RegStatus ExportRegText(RegHandle root, std::string_view subKey, std::string& text) = 0;
-  RegStatus ExportRegFile(const std::string& path, RegHandle root, std::string_view subKey);
+  RegStatus ImportRegText(std::string_view file, unsigned codePage = kRegFileCodePage);
+  RegStatus ImportRegFile(const std::string& path, unsigned codePage = kRegFileCodePage);
+  // .reg export of `subKey` below a root and everything under it (the whole
+  // root when subKey is ""); `root` 0 exports all three roots.  1113 when a
+  // name or text cannot be written in the format's encoding.
+  RegStatus ExportRegText(RegHandle root, std::string_view subKey, std::string& file,
+                          RegFileFormat format = RegFileFormat::Version5, unsigned codePage = kRegFileCodePage);
+  RegStatus ExportRegFile(const std::string& path, RegHandle root, std::string_view subKey,
+                          RegFileFormat format = RegFileFormat::Version5, unsigned codePage = kRegFileCodePage);
+  // The sections of a parsed file applied as one transaction, or none.
+  virtual RegStatus ImportRegKeys(const std::vector<RegFileKey>& keys) = 0;
+  // The sections an export writes, keys in name order, each with its values.
+  virtual RegStatus ExportRegKeys(RegHandle root, std::string_view subKey, std::vector<RegFileKey>& keys) = 0;
 
   // What went wrong in the last call that failed for a reason beyond the
   // Win32 status (the store file, a line of a .reg file); "" after a call
@@ -140,6 +165,9 @@ class RegistryStore {
   const std::string& LastError() const noexcept { return lastError_; }
   // The file behind the store, when there is one.
   virtual std::string Location() const = 0;
+  // Writes every committed change into the store's main file and closes it
+  // (open handles stay valid; the next call opens the file again).
+  virtual void Flush() noexcept {}
 
  protected:
   std::string lastError_;
@@ -156,5 +184,9 @@ RegistryStore& GetRegistry();
 // Replaces the process's store (nullptr: reopen from DefaultRegistryPath()
 // on next use, which picks up a changed TESSARKAO_REGISTRY).
 void SetRegistry(std::unique_ptr<RegistryStore> store);
+// Flushes the process's store when it has been opened.  Runs by itself at
+// process exit; callers that write in batches (the command line) call it
+// after each batch.
+void FlushRegistry() noexcept;
 
 }  // namespace TessarkAO

@@ -49,7 +49,9 @@ void SetAvailable(bool available);
 bool ParseCellAddress(std::string_view text, std::int32_t& row, std::int32_t& column) noexcept;
 
 // The width, in characters of the standard font (as column widths are
-// measured), that a column needs to show `text` in the given font.
+// measured), that a column needs to show `text` in the given font: the
+// text's advance in the face fontconfig matches for the name, weight and
+// slant, measured with FreeType at 96 pixels per inch.
 double FitWidth(std::string_view text, std::string_view fontName, double size, bool bold, bool italic) noexcept;
 
 }  // namespace TessarkAO::Spreadsheet

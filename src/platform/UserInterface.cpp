@@ -129,7 +129,7 @@ void HeadlessUserInterface::Clear() {
 
 namespace {
 std::unique_ptr<UserInterface>& Current() {
-  static auto* ui = new std::unique_ptr<UserInterface>(std::make_unique<HeadlessUserInterface>());
+  static auto* ui = new std::unique_ptr<UserInterface>(StartupUserInterface());
   return *ui;
 }
 }  // namespace

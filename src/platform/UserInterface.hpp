@@ -13,7 +13,8 @@
 //   2. the next queued button closes it: an enabled button is pressed, a
 //      disabled one closes the dialog without accepting;
 //   3. with no button queued it closes through the title-bar control.
-// A real windowed service can replace it through SetUserInterface.
+// A real windowed service can replace it through SetUserInterface, and one
+// is chosen at start-up where a person can see it (StartupUserInterface).
 #pragma once
 
 #include <cstdint>
@@ -24,6 +25,8 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "platform/DialogForms.hpp"
 
 namespace TessarkAO {
 
@@ -60,6 +63,9 @@ class ModalDialog {
   virtual bool Press(std::string_view button) = 0;
   // Closing through the title-bar control.
   virtual void CloseByControl() = 0;
+  // The form a windowed service lays out; nullptr for a dialog it cannot show.
+  virtual FileChoiceForm* AsFileChoice() { return nullptr; }
+  virtual TreeBrowserForm* AsTreeBrowser() { return nullptr; }
 };
 
 struct MessageRecord {
@@ -121,7 +127,13 @@ class HeadlessUserInterface final : public UserInterface {
   bool echo_ = true;
 };
 
-// The service in force (the headless one unless replaced).
+// The service a process starts with: headless, except off Windows with a
+// display (DISPLAY or WAYLAND_DISPLAY) and TESSARKAO_UI not "headless", where
+// the windowed service is loaded from its own library (libtessarkao_qt), with
+// one line on stderr and the headless service when it cannot be loaded.
+std::unique_ptr<UserInterface> StartupUserInterface();
+
+// The service in force (the startup one unless replaced).
 UserInterface& GetUserInterface();
 // The headless service when it is the one in force, else nullptr.
 HeadlessUserInterface* GetHeadlessUserInterface();

@@ -45,39 +45,78 @@ void ReadPoint(const std::vector<std::array<double, 2>>& array, std::int32_t cou
 }  // namespace
 
 void TKCurve::Describe(ClassBuilder<TKCurve>& b) {
-  b.Method<&TKCurve::GetKnot>("GetKnot", Names{"Index"})
-      .Method<&TKCurve::SetKnot>("SetKnot", Names{"Index", "Knot"})
-      .Method<&TKCurve::GetWeight>("GetWeight", Names{"Index"})
-      .Method<&TKCurve::SetWeight>("SetWeight", Names{"Index", "Weight"})
-      .Method<&TKCurve::GetFitPoint>("GetFitPoint", Names{"Index", "X", "Y"})
-      .Method<&TKCurve::SetFitPoint>("SetFitPoint", Names{"Index", "X", "Y"})
-      .Method<&TKCurve::GetControlPoint>("GetControlPoint", Names{"Index", "X", "Y"})
-      .Method<&TKCurve::SetControlPoint>("SetControlPoint", Names{"Index", "X", "Y"})
-      .Property<&TKCurve::GetBSplineKnots, &TKCurve::LetBSplineKnots>("BSplineKnots")
-      .Property<&TKCurve::GetBSplineWeights, &TKCurve::LetBSplineWeights>("BSplineWeights")
-      .Property<&TKCurve::GetBSplineFitPoints, &TKCurve::LetBSplineFitPoints>("BSplineFitPoints")
-      .Property<&TKCurve::GetBSplineControlPoints, &TKCurve::LetBSplineControlPoints>("BSplineControlPoints")
-      .Property<&TKCurve::GetBSplineDegree, &TKCurve::LetBSplineDegree>("BSplineDegree")
-      .Property<&TKCurve::GetBSplineClosed, &TKCurve::LetBSplineClosed>("BSplineClosed")
-      .Property<&TKCurve::GetBSplinePeriodic, &TKCurve::LetBSplinePeriodic>("BSplinePeriodic")
-      .Property<&TKCurve::GetRadius, &TKCurve::LetRadius>("Radius")
-      .Property<&TKCurve::GetX, &TKCurve::LetX>("X")
-      .Property<&TKCurve::GetY, &TKCurve::LetY>("Y")
-      .Property<&TKCurve::GetAngleMajor, &TKCurve::LetAngleMajor>("AngleMajor")
-      .Property<&TKCurve::GetHFactor, &TKCurve::LetHFactor>("HFactor")
-      .Property<&TKCurve::GetEccentricity, &TKCurve::LetEccentricity>("Eccentricity")
-      .Property<&TKCurve::GetMinorHeight, &TKCurve::LetMinorHeight>("MinorHeight")
-      .Property<&TKCurve::GetXPtOnCurve, &TKCurve::LetXPtOnCurve>("XPtOnCurve")
-      .Property<&TKCurve::GetCenterX, &TKCurve::LetCenterX>("CenterX")
-      .Property<&TKCurve::GetCenterY, &TKCurve::LetCenterY>("CenterY")
-      .Property<&TKCurve::GetYPtOnCurve, &TKCurve::LetYPtOnCurve>("YPtOnCurve")
-      .Property<&TKCurve::GetTan1X, &TKCurve::LetTan1X>("Tan1X")
-      .Property<&TKCurve::GetTan1Y, &TKCurve::LetTan1Y>("Tan1Y")
-      .Property<&TKCurve::GetTan2X, &TKCurve::LetTan2X>("Tan2X")
-      .Property<&TKCurve::GetTan2Y, &TKCurve::LetTan2Y>("Tan2Y")
-      .Property<&TKCurve::GetCurveType, &TKCurve::LetCurveType>("CurveType")
-      .Property<&TKCurve::GetStartTrim, &TKCurve::LetStartTrim>("StartTrim")
-      .Property<&TKCurve::GetEndTrim, &TKCurve::LetEndTrim>("EndTrim");
+  b.Method<&TKCurve::GetKnot>("GetKnot", Names{"Index"}, Doc{"Knot Index (1 to BSplineKnots); 0 outside."})
+      .Method<&TKCurve::SetKnot>("SetKnot", Names{"Index", "Knot"},
+                                 Doc{"Sets knot Index (1 to BSplineKnots); an index outside writes nothing."})
+      .Method<&TKCurve::GetWeight>("GetWeight", Names{"Index"},
+                                   Doc{"Weight Index (1 to BSplineWeights); 0 outside."})
+      .Method<&TKCurve::SetWeight>(
+          "SetWeight", Names{"Index", "Weight"},
+          Doc{"Sets weight Index (1 to BSplineWeights); an index outside writes nothing."})
+      .Method<&TKCurve::GetFitPoint>(
+          "GetFitPoint", Names{"Index", "X", "Y"}, Out<2, 3>{},
+          Doc{"Writes fit point Index (1 to BSplineFitPoints) into X and Y; 0 outside."})
+      .Method<&TKCurve::SetFitPoint>(
+          "SetFitPoint", Names{"Index", "X", "Y"},
+          Doc{"Sets fit point Index (1 to BSplineFitPoints); an index outside writes nothing."})
+      .Method<&TKCurve::GetControlPoint>(
+          "GetControlPoint", Names{"Index", "X", "Y"}, Out<2, 3>{},
+          Doc{"Writes control point Index (1 to BSplineControlPoints) into X and Y; 0 outside."})
+      .Method<&TKCurve::SetControlPoint>(
+          "SetControlPoint", Names{"Index", "X", "Y"},
+          Doc{"Sets control point Index (1 to BSplineControlPoints); an index outside writes nothing."})
+      .Property<&TKCurve::GetBSplineKnots, &TKCurve::LetBSplineKnots>(
+          "BSplineKnots", Doc{"The number of knots. Assigning n >= 1 makes a fresh array of n zeros; n <= 0 "
+                              "keeps the old one. Raises 7 when the array cannot be allocated."})
+      .Property<&TKCurve::GetBSplineWeights, &TKCurve::LetBSplineWeights>(
+          "BSplineWeights", Doc{"The number of weights. Assigning n >= 1 makes a fresh array of n zeros; n "
+                                "<= 0 keeps the old one. Raises 7 when the array cannot be allocated."})
+      .Property<&TKCurve::GetBSplineFitPoints, &TKCurve::LetBSplineFitPoints>(
+          "BSplineFitPoints",
+          Doc{"The number of fit points. Assigning n >= 1 makes a fresh array of n zero points; n <= 0 keeps "
+              "the old one. Raises 7 when the array cannot be allocated."})
+      .Property<&TKCurve::GetBSplineControlPoints, &TKCurve::LetBSplineControlPoints>(
+          "BSplineControlPoints",
+          Doc{"The number of control points. Assigning n >= 1 makes a fresh array of n zero points; n <= 0 "
+              "keeps the old one. Raises 7 when the array cannot be allocated."})
+      .Property<&TKCurve::GetBSplineDegree, &TKCurve::LetBSplineDegree>("BSplineDegree",
+                                                                        Doc{"The B-spline's degree."})
+      .Property<&TKCurve::GetBSplineClosed, &TKCurve::LetBSplineClosed>(
+          "BSplineClosed", Doc{"Whether the B-spline is closed."})
+      .Property<&TKCurve::GetBSplinePeriodic, &TKCurve::LetBSplinePeriodic>(
+          "BSplinePeriodic", Doc{"Whether the B-spline is periodic."})
+      .Property<&TKCurve::GetRadius, &TKCurve::LetRadius>(
+          "Radius", Doc{"The radius of an arc or fillet; an ellipse's major radius."})
+      .Property<&TKCurve::GetX, &TKCurve::LetX>("X", Doc{"X of the end point the curve runs to."})
+      .Property<&TKCurve::GetY, &TKCurve::LetY>("Y", Doc{"Y of the end point the curve runs to."})
+      .Property<&TKCurve::GetAngleMajor, &TKCurve::LetAngleMajor>(
+          "AngleMajor", Doc{"The angle of an ellipse's major axis."})
+      .Property<&TKCurve::GetHFactor, &TKCurve::LetHFactor>(
+          "HFactor", Doc{"A further curve parameter of the host, carried unchanged."})
+      .Property<&TKCurve::GetEccentricity, &TKCurve::LetEccentricity>("Eccentricity",
+                                                                      Doc{"The eccentricity of an ellipse."})
+      .Property<&TKCurve::GetMinorHeight, &TKCurve::LetMinorHeight>(
+          "MinorHeight",
+          Doc{"The minor-axis value of an ellipse; -1 marks an ellipse given without one (a circle)."})
+      .Property<&TKCurve::GetXPtOnCurve, &TKCurve::LetXPtOnCurve>(
+          "XPtOnCurve", Doc{"X of a point on the curve (arcs and ellipses)."})
+      .Property<&TKCurve::GetCenterX, &TKCurve::LetCenterX>(
+          "CenterX", Doc{"X of the centre of an arc, fillet or ellipse."})
+      .Property<&TKCurve::GetCenterY, &TKCurve::LetCenterY>(
+          "CenterY", Doc{"Y of the centre of an arc, fillet or ellipse."})
+      .Property<&TKCurve::GetYPtOnCurve, &TKCurve::LetYPtOnCurve>(
+          "YPtOnCurve", Doc{"Y of a point on the curve (arcs and ellipses)."})
+      .Property<&TKCurve::GetTan1X, &TKCurve::LetTan1X>("Tan1X", Doc{"X of a Bezier's first tangent point."})
+      .Property<&TKCurve::GetTan1Y, &TKCurve::LetTan1Y>("Tan1Y", Doc{"Y of a Bezier's first tangent point."})
+      .Property<&TKCurve::GetTan2X, &TKCurve::LetTan2X>("Tan2X", Doc{"X of a Bezier's second tangent point."})
+      .Property<&TKCurve::GetTan2Y, &TKCurve::LetTan2Y>("Tan2Y", Doc{"Y of a Bezier's second tangent point."})
+      .Property<&TKCurve::GetCurveType, &TKCurve::LetCurveType>(
+          "CurveType", Doc{"The curve's kind: 0 fillet, 1 line, 2 arc, 3 Bezier, 4 ellipse, 5 B-spline (any "
+                           "Long is stored)."})
+      .Property<&TKCurve::GetStartTrim, &TKCurve::LetStartTrim>(
+          "StartTrim", Doc{"The trim parameter at the curve's start."})
+      .Property<&TKCurve::GetEndTrim, &TKCurve::LetEndTrim>("EndTrim",
+                                                            Doc{"The trim parameter at the curve's end."});
 }
 
 double TKCurve::GetKnot(std::int32_t index) const {

@@ -5,13 +5,14 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
+#include "frame/Conventions.hpp"
+#include "geometry/TKVector4d.hpp"
+#include "tables/TK2DArray.hpp"
 
 namespace TessarkAO {
 
 namespace {
 
-// The value of pi the library converts radians to degrees with.
-constexpr double kPi = 3.14159265358979;
 // One turn of the unwinding angle, kept at exactly these digits rather than
 // the full-precision 2 pi: results depend on it.
 constexpr double kTwoPi = 6.28318530717958;
@@ -30,22 +31,39 @@ double InvoluteMath::ArcTanOfRatio(double& x, double& y) {
 }
 
 void TKInvoluteCurve::Describe(ClassBuilder<TKInvoluteCurve>& b) {
-  b.Property<&TKInvoluteCurve::GetPoints, &TKInvoluteCurve::LetPoints>("Points")
+  b.Property<&TKInvoluteCurve::GetPoints, &TKInvoluteCurve::LetPoints>(
+       "Points", Doc{"The number of points CalculatePointsThroughAngle samples."})
       .Property<&TKInvoluteCurve::GetCounterClockwise, &TKInvoluteCurve::LetCounterClockwise>(
-          "CounterClockwise")
-      .Property<&TKInvoluteCurve::GetStartAngle, &TKInvoluteCurve::LetStartAngle>("StartAngle")
-      .Property<&TKInvoluteCurve::GetCircleRadius, &TKInvoluteCurve::LetCircleRadius>("CircleRadius")
-      .Method<&TKInvoluteCurve::GetPointFromAngle>("GetPointFromAngle", Names{"Angle", "X", "Y"})
-      .Method<&TKInvoluteCurve::GetAngleFromInvoluteHeight>("GetAngleFromInvoluteHeight", Names{"Height"})
-      .Method<&TKInvoluteCurve::GetPointAngleFromInvoluteHeight>("GetPointAngleFromInvoluteHeight",
-                                                                 Names{"Height"})
+          "CounterClockwise", Doc{"Whether the sampled points run counter-clockwise."})
+      .Property<&TKInvoluteCurve::GetStartAngle, &TKInvoluteCurve::LetStartAngle>(
+          "StartAngle", Doc{"The polar angle in degrees the curve starts at."})
+      .Property<&TKInvoluteCurve::GetCircleRadius, &TKInvoluteCurve::LetCircleRadius>(
+          "CircleRadius", Doc{"The base circle's radius R."})
+      .Method<&TKInvoluteCurve::GetPointFromAngle>(
+          "GetPointFromAngle", Names{"Angle", "X", "Y"}, Out<2, 3>{},
+          Doc{"Writes the involute point for unwinding angle Angle into X and Y; StartAngle and "
+              "CounterClockwise are not applied."})
+      .Method<&TKInvoluteCurve::GetAngleFromInvoluteHeight>(
+          "GetAngleFromInvoluteHeight", Names{"Height"},
+          Doc{"The unwinding angle at which the curve is Height above the base circle."})
+      .Method<&TKInvoluteCurve::GetPointAngleFromInvoluteHeight>(
+          "GetPointAngleFromInvoluteHeight", Names{"Height"},
+          Doc{"The polar angle of the point at Height, continued by whole turns of the unwinding angle."})
       .Method<&TKInvoluteCurve::GetRequiredArcLengthForInvoluteHeight>(
-          "GetRequiredArcLengthForInvoluteHeight", Names{"Height"})
-      .Method<&TKInvoluteCurve::GetCalculatedPointFromIndex>("GetCalculatedPointFromIndex",
-                                                             Names{"Index", "X", "Y"})
-      .Method<&TKInvoluteCurve::CalculatePointsThroughAngle>("CalculatePointsThroughAngle", Names{"Angle"})
-      .Method<&TKInvoluteCurve::DrawInvolute>("DrawInvolute", Names{"Path", "CounterClockwise"})
-      .Method<&TKInvoluteCurve::GetInvolutePoints>("GetInvolutePoints");
+          "GetRequiredArcLengthForInvoluteHeight", Names{"Height"},
+          Doc{"The polar angle of the point at Height times R."})
+      .Method<&TKInvoluteCurve::GetCalculatedPointFromIndex>(
+          "GetCalculatedPointFromIndex", Names{"Index", "X", "Y"}, Out<2, 3>{},
+          Doc{"Writes row Index of the last sampled table into X and Y; raises 9 outside its rows."})
+      .Method<&TKInvoluteCurve::CalculatePointsThroughAngle>(
+          "CalculatePointsThroughAngle", Names{"Angle"},
+          Doc{"Samples Points points from unwinding angle 0 to Angle into the table."})
+      .Method<&TKInvoluteCurve::DrawInvolute>(
+          "DrawInvolute", Names{"Path", "CounterClockwise"},
+          Doc{"Adds one B-spline segment through the sampled points to the host path Path."})
+      .Method<&TKInvoluteCurve::GetInvolutePoints>(
+          "GetInvolutePoints",
+          Doc{"The sampled points as a Points x 2 TK2DArray, ordered by CounterClockwise."});
 }
 
 void TKInvoluteCurve::GetPointFromAngle(double angle, double& x, double& y) const {
@@ -112,7 +130,7 @@ void TKInvoluteCurve::CalculatePointsThroughAngle(double angle) {
   // library's 15-digit pi; the vector's clean-up is part of the result.
   const double degrees = Checked::Mul(startAngle_, 180.0 / kPi);
   for (Row& row : table_) {
-    Variant vector(CreateObject("TessarkAO.TKVector4d"));
+    Variant vector(New<TKVector4d>());
     vector.Call("SetPosition", row[0], row[1], 0.0);
     vector.Call("Rotate", kAxisZ, degrees);
     row[0] = ToDouble(vector.Get("Value", std::int32_t{0}));
@@ -158,7 +176,7 @@ void TKInvoluteCurve::DrawInvolute(Ref<Object> path, bool counterClockwise) {
 Ref<Object> TKInvoluteCurve::GetInvolutePoints() const {
   const std::vector<Row> rows = OrderedRows(counterClockwise_);
   const std::int32_t n = static_cast<std::int32_t>(rows.size());
-  Ref<Object> array = CreateObject("TessarkAO.TK2DArray");
+  Ref<Object> array = New<TK2DArray>();
   const Variant a(array);
   a.Call("SetDimensions", n, std::int32_t{2}, false);
   for (std::int32_t i = 1; i <= n; ++i) {

@@ -5,17 +5,29 @@
 namespace TessarkAO {
 
 void TKOutline::Describe(ClassBuilder<TKOutline>& b) {
-  b.PropertyRef<&TKOutline::GetPathComponent, &TKOutline::SetPathComponent>("PathComponent")
-      .Property<&TKOutline::GetStartPointX, &TKOutline::LetStartPointX>("StartPointX")
-      .Property<&TKOutline::GetStartPointY, &TKOutline::LetStartPointY>("StartPointY")
-      .Method<&TKOutline::AddLineTo>("AddLineTo", Names{"X", "Y"})
+  b.PropertyRef<&TKOutline::GetPathComponent, &TKOutline::SetPathComponent>(
+       "PathComponent", Doc{"The host path this outline was read from or written to."})
+      .Property<&TKOutline::GetStartPointX, &TKOutline::LetStartPointX>(
+          "StartPointX", Doc{"X of the outline's start point."})
+      .Property<&TKOutline::GetStartPointY, &TKOutline::LetStartPointY>(
+          "StartPointY", Doc{"Y of the outline's start point."})
+      .Method<&TKOutline::AddLineTo>("AddLineTo", Names{"X", "Y"},
+                                     Doc{"Appends a line (CurveType 1) ending at (X, Y)."})
       .Method<&TKOutline::AddEllipse>(
-          "AddEllipse", Names{"CenterX", "CenterY", "Radius", "XPtOnEllipse", "YPtOnEllipse"}, Opt{0.0, 0.0})
-      .Property<&TKOutline::GetConstruction, &TKOutline::LetConstruction>("Construction")
-      .Property<&TKOutline::GetClosed, &TKOutline::LetClosed>("Closed")
-      .Get<&TKOutline::NumberOfCurves>("NumberOfCurves")
-      .Method<&TKOutline::AddCurve>("AddCurve", Names{"lngType"}, Opt{Variant(std::int32_t{0})})
-      .Method<&TKOutline::GetCurve>("GetCurve", Names{"lngIndex"});
+          "AddEllipse", Names{"CenterX", "CenterY", "Radius", "XPtOnEllipse", "YPtOnEllipse"}, Opt{0.0, 0.0},
+          Doc{"Appends an ellipse (CurveType 4) centred at (X, Y); with a point on the ellipse, MinorHeight "
+              "and the point are set from it, else MinorHeight is -1."})
+      .Property<&TKOutline::GetConstruction, &TKOutline::LetConstruction>(
+          "Construction",
+          Doc{"Whether the outline is construction geometry (not part of the profile's shape)."})
+      .Property<&TKOutline::GetClosed, &TKOutline::LetClosed>("Closed", Doc{"Whether the outline is closed."})
+      .Get<&TKOutline::NumberOfCurves>("NumberOfCurves", Doc{"The number of curves."})
+      .Method<&TKOutline::AddCurve>("AddCurve", Names{"lngType"}, Opt{Variant(std::int32_t{0})},
+                                    Doc{"Appends a new TKCurve of CurveType and returns it; a type of 0 "
+                                        "leaves the new curve's default type."})
+      .Method<&TKOutline::GetCurve>("GetCurve", Names{"lngIndex"},
+                                    Doc{"The curve at a 1-based index; Nothing above the count. An index "
+                                        "below 1 raises 9 (the test is one-sided on purpose)."});
 }
 
 TKOutline::~TKOutline() {

@@ -16,17 +16,13 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
+#include "automation/Enumerations.hpp"
+#include "frame/Conventions.hpp"
 
 namespace TessarkAO {
 
 namespace {
 
-// The value of pi the library converts degrees with, kept at these 15 digits.
-constexpr double kPi = 3.14159265358979;
-
-// Unit codes of UnitUtils.ConvertUnits used by the unit-aware read.
-constexpr std::int32_t kUnitPageUnits = 7;
-constexpr std::int32_t kUnitSystemLengthUnits = 11;
 
 // Variable n of curve j of a host path.
 Variant PathVariable(const Variant& path, std::int32_t curve, std::int32_t n) {
@@ -55,7 +51,7 @@ struct Reader {
     if (ToString(variable.Get("Expression")).empty()) return ToDouble(variable.Get("Value"));
     Variant value = variable.Get("Value");
     if (!units) units = CreateObject("TessarkAO.UnitUtils");
-    return ToDouble(Variant(units).Call("ConvertUnits", page, value, kUnitPageUnits, kUnitSystemLengthUnits));
+    return ToDouble(Variant(units).Call("ConvertUnits", page, value, UNIT_PAGEUNITS, UNIT_SYSTEM_LENGTH_UNITS));
   }
 };
 
@@ -203,20 +199,39 @@ void FixVariable(const Variant& path, std::int32_t curve, std::int32_t n) {
 }  // namespace
 
 void TKProfile::Describe(ClassBuilder<TKProfile>& b) {
-  b.PropertyRef<&TKProfile::GetPage, &TKProfile::SetPage>("Page")
-      .Get<&TKProfile::IsProfileEmpty>("IsProfileEmpty")
-      .Get<&TKProfile::IsProfileCompletelyClosed>("IsProfileCompletelyClosed")
-      .Get<&TKProfile::NumberOfOutlines>("NumberOfOutlines")
-      .Method<&TKProfile::AddOutline>("AddOutline")
-      .Method<&TKProfile::GetOutline>("GetOutline", Names{"lngIndex"})
-      .Method<&TKProfile::DeparameterizeProfile>("DeparameterizeProfile",
-                                                 Names{"objPathComponents", "eOptions"},
-                                                 Opt{Variant(std::int32_t{TKDeparameterizeAll})})
-      .Method<&TKProfile::GetProfileFromPaths>("GetProfileFromPaths", Names{"objPathComponents"})
-      .Method<&TKProfile::SetProfileData>("SetProfileData", Names{"objPathComponents"})
-      .Method<&TKProfile::ShiftProfileData>("ShiftProfileData", Names{"dblAngle", "dblDistance"})
-      .Method<&TKProfile::MirrorProfileAboutAxis>("MirrorProfileAboutAxis", Names{"lngAxis"})
-      .Method<&TKProfile::CopyProfile>("CopyProfile", Names{"cProfile"});
+  b.PropertyRef<&TKProfile::GetPage, &TKProfile::SetPage>(
+       "Page", Doc{"The scene page whose units convert the values that need converting."})
+      .Get<&TKProfile::IsProfileEmpty>(
+          "IsProfileEmpty",
+          Doc{"True when no outline has Construction 0 (no outlines, or construction outlines only)."})
+      .Get<&TKProfile::IsProfileCompletelyClosed>(
+          "IsProfileCompletelyClosed", Doc{"False when an outline with Construction 0 is not Closed; the "
+                                           "outlines' Closed flags are taken as read."})
+      .Get<&TKProfile::NumberOfOutlines>("NumberOfOutlines", Doc{"The number of outlines."})
+      .Method<&TKProfile::AddOutline>("AddOutline", Doc{"Appends a new TKOutline and returns it."})
+      .Method<&TKProfile::GetOutline>(
+          "GetOutline", Names{"lngIndex"},
+          Doc{"The outline at a 1-based index; Nothing above the count, and 9 below 1."})
+      .Method<&TKProfile::DeparameterizeProfile>(
+          "DeparameterizeProfile", Names{"objPathComponents", "eOptions"},
+          Opt{Variant(std::int32_t{TKDeparameterizeAll})},
+          Doc{"Fixes the coordinate variables of the given host paths at their current values (dropping "
+              "their formulas): all, only X or only Y (TKDeparameterizeOptions)."})
+      .Method<&TKProfile::GetProfileFromPaths>("GetProfileFromPaths", Names{"objPathComponents"},
+                                               Doc{"Replaces the content with the outlines and curves read "
+                                                   "from the host path collection; returns this profile."})
+      .Method<&TKProfile::SetProfileData>(
+          "SetProfileData", Names{"objPathComponents"},
+          Doc{"Adds one host path per outline to the collection and draws the curves into it."})
+      .Method<&TKProfile::ShiftProfileData>(
+          "ShiftProfileData", Names{"dblAngle", "dblDistance"},
+          Doc{"Moves every point by Distance along the direction Angle (degrees)."})
+      .Method<&TKProfile::MirrorProfileAboutAxis>(
+          "MirrorProfileAboutAxis", Names{"lngAxis"},
+          Doc{"Axis 1 negates the Y coordinates, axis 2 the X coordinates; every curve's HFactor is negated "
+              "whatever the axis."})
+      .Method<&TKProfile::CopyProfile>("CopyProfile", Names{"cProfile"},
+                                       Doc{"Appends copies of another profile's outlines."});
 }
 
 TKProfile::~TKProfile() {
@@ -475,3 +490,11 @@ void TKProfile::CopyProfile(Ref<TKProfile> source) {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKProfile)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKDeparameterizeOptions, "TKProfile",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKDeparameterizeAll),
+                            TK_ENUM_CONSTANT(TessarkAO::TKDeparameterizeXAxis),
+                            TK_ENUM_CONSTANT(TessarkAO::TKDeparameterizeYAxis),
+                        })

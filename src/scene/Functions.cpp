@@ -7,7 +7,7 @@
 
 #include "automation/AutomationError.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/HostWalk.hpp"
 
 namespace TessarkAO::Functions {

@@ -2,7 +2,7 @@
 // does not answer directly.  SceneUtils publishes them; TKShape, TKPosition and
 // the feature builders call them directly.
 //
-// Every procedure drives the host late-bound (host/HostModel.hpp) and traps
+// Every procedure drives the host late-bound (host/HostAccess.hpp) and traps
 // nothing: host errors, the 512-entry path limit (9) and the 16-bit identifier
 // read of ShapesAreIdentical (6) reach the caller.
 #pragma once

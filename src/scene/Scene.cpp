@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "platform/UserInterface.hpp"
 #include "scene/HostWalk.hpp"
 #include "scene/SceneViewer.hpp"

@@ -2,18 +2,28 @@
 
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/Functions.hpp"
 
 namespace TessarkAO {
 
 void SceneUtils::Describe(ClassBuilder<SceneUtils>& b) {
-  b.Method<&SceneUtils::GetShapePath>("GetShapePath", Names{"objShape"})
-      .Method<&SceneUtils::GetShapeParent>("GetShapeParent", Names{"objShape"})
-      .Method<&SceneUtils::DeleteShape>("DeleteShape", Names{"objShape"})
-      .Method<&SceneUtils::GetShapeHistory>("GetShapeHistory", Names{"objShape"})
-      .Method<&SceneUtils::IdenticalShapes>("IdenticalShapes", Names{"objShape1", "objShape2"})
-      .Method<&SceneUtils::ShapeOwnFace>("ShapeOwnFace", Names{"objShape", "objFace"});
+  b.Method<&SceneUtils::GetShapePath>("GetShapePath", Names{"objShape"},
+                                      Doc{"The names of the shape's ancestors from the page down, joined "
+                                          "into a path; the shape's own name is not part of it."})
+      .Method<&SceneUtils::GetShapeParent>(
+          "GetShapeParent", Names{"objShape"},
+          Doc{"The shape that contains objShape, found by searching the scene; Nothing at the top."})
+      .Method<&SceneUtils::DeleteShape>("DeleteShape", Names{"objShape"},
+                                        Doc{"Removes objShape from its parent's collection."})
+      .Method<&SceneUtils::GetShapeHistory>("GetShapeHistory", Names{"objShape"},
+                                            Doc{"The component holding a container shape's children (history "
+                                                "or group); Nothing for a shape of another type."})
+      .Method<&SceneUtils::IdenticalShapes>("IdenticalShapes", Names{"objShape1", "objShape2"},
+                                            Doc{"Whether the two references denote the same host shape."})
+      .Method<&SceneUtils::ShapeOwnFace>(
+          "ShapeOwnFace", Names{"objShape", "objFace"},
+          Doc{"Whether objFace belongs to objShape; False for a shape without faces."});
 }
 
 std::string SceneUtils::GetShapePath(Ref<Object> objShape) {

@@ -5,8 +5,9 @@
 #include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/Scene.hpp"
+#include "system/FormFont.hpp"
 
 namespace TessarkAO {
 
@@ -51,6 +52,30 @@ SceneViewer::SceneViewer(Variant page) : page_(std::move(page)) {
   };
   Builder builder(*this);
   Scene::WalkShapes(page_.Get("Shape"), builder);
+  font_ = ApplyDefaultSystemFont({"TreeView", "lstComponents", "lstVariables", "lblComponents", "lblVariables",
+                                  "lblStatus", "cmdOK"});
+}
+
+std::string SceneViewer::Caption(std::string_view control) const {
+  if (control.empty()) return "Scene Viewer";
+  if (control == "lblComponents") return "Components";
+  if (control == "lblVariables") return "Variables";
+  if (control == "cmdOK") return "OK";
+  return {};
+}
+
+std::vector<TreeBrowserForm::TreeItem> SceneViewer::TreeItems() const {
+  std::vector<TreeItem> items;
+  items.reserve(nodes_.size());
+  for (const Node& node : nodes_) items.push_back(TreeItem{node.key, node.label, node.depth});
+  return items;
+}
+
+void SceneViewer::SelectDetail(std::int32_t index) {
+  // Only a component's variables have details of their own.
+  if (activeObject_.IsEmpty()) return;
+  const std::vector<std::string> detail = VariableDetail(index);
+  status_ = detail[0] + "    " + detail[1];
 }
 
 void SceneViewer::AddShape(const Variant& shape, std::int32_t depth, const std::string& key) {
@@ -109,6 +134,7 @@ void SceneViewer::SelectNode(std::string_view key) {
   activeComponent_.clear();
   activeObject_ = Variant();
   details_.clear();
+  status_.clear();
   switch (node->kind) {
     case NodeKind::TopShape:
     case NodeKind::Shape:
@@ -134,6 +160,7 @@ void SceneViewer::SelectComponent(std::int32_t index) {
   std::string name = Host::NameOf(activeObject_);
   if (name.empty()) name = components_[static_cast<std::size_t>(index - 1)];
   activeComponent_ = "Active Component : " + name;
+  status_ = activeComponent_;
   details_.clear();
   const Variant variables = activeObject_.Get("Variables");
   const std::int32_t count = Host::CountOf(variables);

@@ -27,7 +27,7 @@
 
 namespace TessarkAO {
 
-class SceneViewer final : public ModalDialog {
+class SceneViewer final : public ModalDialog, public TreeBrowserForm {
  public:
   enum class NodeKind { TopShape, Shape, ProfileComponent, Loop, Curve };
 
@@ -67,6 +67,20 @@ class SceneViewer final : public ModalDialog {
   bool IsEnabled(std::string_view button) const override;
   bool Press(std::string_view button) override;
   void CloseByControl() override {}
+  TreeBrowserForm* AsTreeBrowser() override { return this; }
+
+  // TreeBrowserForm: the window's view of the same state.  Its caption is
+  // "Scene Viewer"; selecting a variable puts its value and expression in
+  // the status line.
+  std::string Caption(std::string_view control) const override;
+  FormFont Font() const override { return font_; }
+  std::vector<TreeItem> TreeItems() const override;
+  void SelectItem(std::string_view key) override { SelectNode(key); }
+  void SelectPart(std::int32_t index) override { SelectComponent(index); }
+  void SelectDetail(std::int32_t index) override;
+  std::vector<std::string> Parts() const override { return components_; }
+  std::vector<std::string> Details() const override { return details_; }
+  std::string Status() const override { return status_; }
 
   // The label of the index-th variable of a component, as lstVariables shows it.
   static std::string VariableLabel(std::int32_t index, std::int32_t itemType, std::string_view itemName);
@@ -84,6 +98,8 @@ class SceneViewer final : public ModalDialog {
   Variant activeObject_;  // the active component
   std::string activeComponent_;
   std::vector<std::string> details_;
+  std::string status_;
+  FormFont font_;
 };
 
 }  // namespace TessarkAO

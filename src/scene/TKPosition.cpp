@@ -5,7 +5,8 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "automation/Enumerations.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/HostWalk.hpp"
 #include "scene/SceneUtils.hpp"
 #include "system/Units.hpp"
@@ -34,52 +35,94 @@ struct Placement {
 
 void TKPosition::Describe(ClassBuilder<TKPosition>& b) {
   const Opt noPage{Variant::Nothing()};
-  b.Property<&TKPosition::GetPosX, &TKPosition::LetPosX>("PosX")
-      .Property<&TKPosition::GetPosY, &TKPosition::LetPosY>("PosY")
-      .Property<&TKPosition::GetPosZ, &TKPosition::LetPosZ>("PosZ")
-      .Property<&TKPosition::GetRotX, &TKPosition::LetRotX>("RotX")
-      .Property<&TKPosition::GetRotY, &TKPosition::LetRotY>("RotY")
-      .Property<&TKPosition::GetRotZ, &TKPosition::LetRotZ>("RotZ")
-      .Property<&TKPosition::GetRotAngle, &TKPosition::LetRotAngle>("RotAngle")
-      .Property<&TKPosition::GetMirror, &TKPosition::LetMirror>("Mirror")
-      .Property<&TKPosition::GetAnchorPosX, &TKPosition::LetAnchorPosX>("AnchorPosX")
-      .Property<&TKPosition::GetAnchorPosY, &TKPosition::LetAnchorPosY>("AnchorPosY")
-      .Property<&TKPosition::GetAnchorPosZ, &TKPosition::LetAnchorPosZ>("AnchorPosZ")
-      .Property<&TKPosition::GetAnchorRotX, &TKPosition::LetAnchorRotX>("AnchorRotX")
-      .Property<&TKPosition::GetAnchorRotY, &TKPosition::LetAnchorRotY>("AnchorRotY")
-      .Property<&TKPosition::GetAnchorRotZ, &TKPosition::LetAnchorRotZ>("AnchorRotZ")
-      .Property<&TKPosition::GetAnchorRotAngle, &TKPosition::LetAnchorRotAngle>("AnchorRotAngle")
-      .PropertyRef<&TKPosition::GetScene, &TKPosition::SetScene>("Scene")
-      .PropertyRef<&TKPosition::GetShape, &TKPosition::SetShape>("Shape")
-      .Method<&TKPosition::GetShapePosition>("GetShapePosition")
-      .Method<&TKPosition::GetAnchorPosition>("GetAnchorPosition")
-      .Method<&TKPosition::SetShapePosition>("SetShapePosition")
-      .Method<&TKPosition::SetAnchorPosition>("SetAnchorPosition")
-      .Method<&TKPosition::InheritPosition>("InheritPosition", Names{"cPosition"})
-      .Method<&TKPosition::InheritAnchor>("InheritAnchor", Names{"cPosition"})
-      .Method<&TKPosition::GetPositionFromShape>("GetPositionFromShape", Names{"objShape"})
-      .Method<&TKPosition::GetAnchorFromShape>("GetAnchorFromShape", Names{"objShape"})
-      .Method<&TKPosition::ConvertUnitsFromSceneToMetric>("ConvertUnitsFromSceneToMetric", Names{"objPage"},
-                                                          noPage)
-      .Method<&TKPosition::ConvertUnitsFromMetricToScene>("ConvertUnitsFromMetricToScene", Names{"objPage"},
-                                                          noPage)
-      .Method<&TKPosition::GetWorldPosition>("GetWorldPosition")
-      .Method<&TKPosition::GetPositionFromWoldToParent>("GetPositionFromWoldToParent", Names{"objParent"})
-      .Method<&TKPosition::TransformPositionUp>("TransformPositionUp", Names{"objPage"}, noPage)
+  b.Property<&TKPosition::GetPosX, &TKPosition::LetPosX>(
+       "PosX", Doc{"X of the position, in scene or metric units (see ConvertUnitsFromSceneToMetric)."})
+      .Property<&TKPosition::GetPosY, &TKPosition::LetPosY>("PosY", Doc{"Y of the position."})
+      .Property<&TKPosition::GetPosZ, &TKPosition::LetPosZ>("PosZ", Doc{"Z of the position."})
+      .Property<&TKPosition::GetRotX, &TKPosition::LetRotX>("RotX", Doc{"X of the rotation axis."})
+      .Property<&TKPosition::GetRotY, &TKPosition::LetRotY>("RotY", Doc{"Y of the rotation axis."})
+      .Property<&TKPosition::GetRotZ, &TKPosition::LetRotZ>("RotZ", Doc{"Z of the rotation axis."})
+      .Property<&TKPosition::GetRotAngle, &TKPosition::LetRotAngle>(
+          "RotAngle", Doc{"The rotation angle, in scene angle units or radians."})
+      .Property<&TKPosition::GetMirror, &TKPosition::LetMirror>("Mirror",
+                                                                Doc{"Whether the shape is mirrored."})
+      .Property<&TKPosition::GetAnchorPosX, &TKPosition::LetAnchorPosX>("AnchorPosX",
+                                                                        Doc{"X of the anchor position."})
+      .Property<&TKPosition::GetAnchorPosY, &TKPosition::LetAnchorPosY>("AnchorPosY",
+                                                                        Doc{"Y of the anchor position."})
+      .Property<&TKPosition::GetAnchorPosZ, &TKPosition::LetAnchorPosZ>("AnchorPosZ",
+                                                                        Doc{"Z of the anchor position."})
+      .Property<&TKPosition::GetAnchorRotX, &TKPosition::LetAnchorRotX>("AnchorRotX",
+                                                                        Doc{"X of the anchor rotation axis."})
+      .Property<&TKPosition::GetAnchorRotY, &TKPosition::LetAnchorRotY>("AnchorRotY",
+                                                                        Doc{"Y of the anchor rotation axis."})
+      .Property<&TKPosition::GetAnchorRotZ, &TKPosition::LetAnchorRotZ>("AnchorRotZ",
+                                                                        Doc{"Z of the anchor rotation axis."})
+      .Property<&TKPosition::GetAnchorRotAngle, &TKPosition::LetAnchorRotAngle>(
+          "AnchorRotAngle", Doc{"The anchor rotation angle."})
+      .PropertyRef<&TKPosition::GetScene, &TKPosition::SetScene>(
+          "Scene", Doc{"The page whose units the conversions use."})
+      .PropertyRef<&TKPosition::GetShape, &TKPosition::SetShape>(
+          "Shape", Doc{"The host shape the Get/Set members read and write."})
+      .Method<&TKPosition::GetShapePosition>(
+          "GetShapePosition", Doc{"Reads position variables 1 to 7 and 9 (Mirror) of Shape into the fields."})
+      .Method<&TKPosition::GetAnchorPosition>("GetAnchorPosition",
+                                              Doc{"Reads anchor variables 1 to 7 of Shape into the fields."})
+      .Method<&TKPosition::SetShapePosition>(
+          "SetShapePosition",
+          Doc{"Writes the position fields to variables 1 to 7 and 9 of Shape; no host update."})
+      .Method<&TKPosition::SetAnchorPosition>(
+          "SetAnchorPosition", Doc{"Writes the anchor fields to anchor variables 1 to 7 of Shape."})
+      .Method<&TKPosition::InheritPosition>(
+          "InheritPosition", Names{"cPosition"},
+          Doc{"Copies the position fields and Mirror from another position's properties."})
+      .Method<&TKPosition::InheritAnchor>("InheritAnchor", Names{"cPosition"},
+                                          Doc{"Copies the seven anchor fields from another position."})
+      .Method<&TKPosition::GetPositionFromShape>("GetPositionFromShape", Names{"objShape"},
+                                                 Doc{"As GetShapePosition on another shape; Shape is kept."})
+      .Method<&TKPosition::GetAnchorFromShape>("GetAnchorFromShape", Names{"objShape"},
+                                               Doc{"As GetAnchorPosition on another shape; Shape is kept."})
+      .Method<&TKPosition::ConvertUnitsFromSceneToMetric>(
+          "ConvertUnitsFromSceneToMetric", Names{"objPage"}, noPage,
+          Doc{"Converts PosX to PosZ to centimetres and RotAngle to radians, once; False when no Scene is "
+              "set or the fields already hold metric units."})
+      .Method<&TKPosition::ConvertUnitsFromMetricToScene>(
+          "ConvertUnitsFromMetricToScene", Names{"objPage"}, noPage,
+          Doc{"The inverse of ConvertUnitsFromSceneToMetric; False when no Scene is set or the fields hold "
+              "scene units."})
+      .Method<&TKPosition::GetWorldPosition>(
+          "GetWorldPosition",
+          Doc{"Carries the position fields up to world coordinates (no unit conversion)."})
+      .Method<&TKPosition::GetPositionFromWoldToParent>(
+          "GetPositionFromWoldToParent", Names{"objParent"},
+          Doc{"Carries world-coordinate position fields down into objParent's space. The name's spelling is "
+              "the published one."})
+      .Method<&TKPosition::TransformPositionUp>("TransformPositionUp", Names{"objPage"}, noPage,
+                                                Doc{"GetPtTransformUp applied to the seven position fields."})
       .Method<&TKPosition::GetPtTransformUp>(
           "GetPtTransformUp", Names{"dblX", "dblY", "dblZ", "dblRotX", "dblRotY", "dblRotZ", "dblRotAngle"},
-          Opt{0.0, 0.0, 0.0, 0.0})
+          Opt{0.0, 0.0, 0.0, 0.0}, Out<1, 2, 3, 4, 5, 6, 7>{},
+          Doc{"The host's GetPointTransformUp of Shape, around a conversion to metric units and back; does "
+              "nothing when no Scene is set."})
       .Method<&TKPosition::GetPtTransformDown>(
           "GetPtTransformDown",
           Names{"objChild", "dblX", "dblY", "dblZ", "dblRotX", "dblRotY", "dblRotZ", "dblRotAngle"},
-          Opt{0.0, 0.0, 0.0, 0.0})
-      .Method<&TKPosition::Rotate>("Rotate", Names{"lngAxis", "dblAngle"})
-      .Method<&TKPosition::Shift>("Shift", Names{"dblX", "dblY", "dblZ", "bUseParent"}, Opt{false})
-      .Method<&TKPosition::GetNormal>("GetNormal", Names{"dblX", "dblY", "dblZ"})
-      .Method<&TKPosition::Zero>("Zero", Names{"Parameter"})
+          Opt{0.0, 0.0, 0.0, 0.0}, Out<2, 3, 4, 5, 6, 7, 8>{},
+          Doc{"The host's GetPointTransformDown of Shape towards objChild, around the unit conversion."})
+      .Method<&TKPosition::Rotate>("Rotate", Names{"lngAxis", "dblAngle"},
+                                   Doc{"The host's Rotate of Shape, then GetShapePosition."})
+      .Method<&TKPosition::Shift>("Shift", Names{"dblX", "dblY", "dblZ", "bUseParent"}, Opt{false},
+                                  Doc{"The host's Shift of Shape, then GetShapePosition."})
+      .Method<&TKPosition::GetNormal>("GetNormal", Names{"dblX", "dblY", "dblZ"}, Out<1, 2, 3>{},
+                                      Doc{"The host's normal of Shape, unconverted."})
+      .Method<&TKPosition::Zero>("Zero", Names{"Parameter"},
+                                 Doc{"Clears position fields by TKZeroParameters (position, rotation or "
+                                     "all); other values change nothing."})
       .Method<&TKPosition::ResetAnchor>(
           "ResetAnchor", Names{"dblLengthRatio", "dblWidthRatio", "dblHeightRatio", "bNormalize", "objPage"},
-          noPage);
+          noPage,
+          Doc{"Re-anchors Shape at the given fractions of its size box and moves the shape by the anchor's "
+              "displacement."});
 }
 
 void TKPosition::ReadPosition(const Variant& shape) {
@@ -321,3 +364,11 @@ void TKPosition::ResetAnchor(double dblLengthRatio, double dblWidthRatio, double
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKPosition)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKZeroParameters, "TKPosition",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKZeroParameters::ZeroPosition),
+                            TK_ENUM_CONSTANT(TessarkAO::TKZeroParameters::ZeroRotation),
+                            TK_ENUM_CONSTANT(TessarkAO::TKZeroParameters::ZeroAll),
+                        })

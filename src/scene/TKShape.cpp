@@ -3,8 +3,12 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "automation/Enumerations.hpp"
+#include "geometry/TKMatrix4d.hpp"
+#include "geometry/TKVector4d.hpp"
+#include "host/HostAccess.hpp"
 #include "scene/Functions.hpp"
+#include "system/UnitUtils.hpp"
 #include "system/Units.hpp"
 
 namespace TessarkAO {
@@ -13,7 +17,7 @@ namespace {
 
 // A UnitUtils whose Page is the shape's page: the placements convert through it.
 Variant UnitsOfPage(const Variant& shape) {
-  Variant units(CreateObject("TessarkAO.UnitUtils"));
+  Variant units(New<UnitUtils>());
   units.Set("Page", shape.Get("Page"));
   return units;
 }
@@ -25,16 +29,30 @@ double Convert(const Variant& units, double value, std::int32_t fromUnits, std::
 }  // namespace
 
 void TKShape::Describe(ClassBuilder<TKShape>& b) {
-  b.PropertyRef<&TKShape::GetShape, &TKShape::SetShape>("Shape")
-      .Get<&TKShape::SizeboxToParentTransform>("SizeboxToParentTransform")
-      .Get<&TKShape::Parent>("Parent")
-      .Get<&TKShape::History>("History")
-      .Get<&TKShape::BoundingBox>("BoundingBox", Names{"lngIndex"})
-      .Get<&TKShape::Position>("Position")
-      .Get<&TKShape::SurfaceFinish>("SurfaceFinish")
-      .Get<&TKShape::Component>("Component", Names{"lngComponent", "bCanBeCreated"}, Opt{Variant::Missing()})
-      .Get<&TKShape::PositionTransform>("PositionTransform")
-      .Get<&TKShape::AnchorTransform>("AnchorTransform");
+  b.PropertyRef<&TKShape::GetShape, &TKShape::SetShape>(
+       "Shape", Doc{"The host shape; assigning reads and keeps its BoundingBox and makes the next Parent and "
+                    "History reads search anew."})
+      .Get<&TKShape::SizeboxToParentTransform>(
+          "SizeboxToParentTransform", Doc{"The size box's placement in the parent as a TKMatrix4d "
+                                          "(translation in page length units); the identity with no shape."})
+      .Get<&TKShape::Parent>("Parent",
+                             Doc{"The parent shape, searched on the first read after Shape was set."})
+      .Get<&TKShape::History>("History", Doc{"The child container (history or group component), looked up on "
+                                             "the first read after Shape was set."})
+      .Get<&TKShape::BoundingBox>("BoundingBox", Names{"lngIndex"},
+                                  Doc{"Extent Index (TKBoundingBoxIndices): 1 to 6 the minima and maxima, 7 "
+                                      "to 9 the sizes; 0 for any other index."})
+      .Get<&TKShape::Position>(
+          "Position", Doc{"The shape's TKPosition, refreshed from the host (anchor, then position)."})
+      .Get<&TKShape::SurfaceFinish>("SurfaceFinish",
+                                    Doc{"The shape's TKSurfaceFinish, refreshed from the host."})
+      .Get<&TKShape::Component>("Component", Names{"lngComponent", "bCanBeCreated"}, Opt{Variant::Missing()},
+                                Doc{"The shape's first component of a type; a missing one is added only when "
+                                    "bCanBeCreated is True, else Nothing. Nothing with no shape."})
+      .Get<&TKShape::PositionTransform>("PositionTransform",
+                                        Doc{"The placement of the position component (4) as a TKMatrix4d."})
+      .Get<&TKShape::AnchorTransform>("AnchorTransform",
+                                      Doc{"The placement of the anchor component (5) as a TKMatrix4d."});
 }
 
 void TKShape::SetShape(Ref<Object> objShape) {
@@ -98,7 +116,7 @@ Ref<Object> TKShape::Component(std::int32_t lngComponent, const Variant& bCanBeC
 }
 
 Ref<Object> TKShape::ComponentTransform(std::int32_t type) {
-  const Ref<Object> matrix = CreateObject("TessarkAO.TKMatrix4d");
+  const Ref<Object> matrix = New<TKMatrix4d>();
   const Variant component(Component(type, Variant(true)));
   if (component.IsNothing()) return matrix;
   const Variant units = UnitsOfPage(Variant(shape_));
@@ -106,9 +124,9 @@ Ref<Object> TKShape::ComponentTransform(std::int32_t type) {
   for (std::int32_t n = 1; n <= 7; ++n) v[n - 1] = Host::VariableValue(component, n);
   // Only the angle is converted: the point stays in page length units.
   const double degrees = Convert(units, v[6], UNIT_PAGEANGLEUNITS, UNIT_DEGREES);
-  const Variant point(CreateObject("TessarkAO.TKVector4d"));
+  const Variant point(New<TKVector4d>());
   point.Call("SetPosition", v[0], v[1], v[2]);
-  const Variant axis(CreateObject("TessarkAO.TKVector4d"));
+  const Variant axis(New<TKVector4d>());
   axis.Call("SetPosition", v[3], v[4], v[5]);
   Variant(matrix).Call("SetRotationFromPointAxisAndAngle", point, axis, degrees);
   return matrix;
@@ -119,7 +137,7 @@ Ref<Object> TKShape::PositionTransform() { return ComponentTransform(Host::Compo
 Ref<Object> TKShape::AnchorTransform() { return ComponentTransform(Host::ComponentType::Anchor); }
 
 Ref<Object> TKShape::SizeboxToParentTransform() {
-  const Ref<Object> matrix = CreateObject("TessarkAO.TKMatrix4d");
+  const Ref<Object> matrix = New<TKMatrix4d>();
   if (!shape_) return matrix;
   const Variant shape(shape_);
   const Variant units = UnitsOfPage(shape);
@@ -152,3 +170,17 @@ Ref<Object> TKShape::SizeboxToParentTransform() {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKShape)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKBoundingBoxIndices, "TKShape",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinX),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinY),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinZ),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxX),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxY),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxZ),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKLength),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKWidth),
+                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKHeight),
+                        })

@@ -2,7 +2,8 @@
 
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
-#include "host/HostModel.hpp"
+#include "automation/Enumerations.hpp"
+#include "host/HostAccess.hpp"
 
 namespace TessarkAO {
 
@@ -35,24 +36,42 @@ Variant FinishOf(const Variant& shape) {
 
 void TKSurfaceFinish::Describe(ClassBuilder<TKSurfaceFinish>& b) {
   using C = TKSurfaceFinish;
-  b.Property<&C::GetAmbientIntensity, &C::LetAmbientIntensity>("AmbientIntensity")
-      .Property<&C::GetEdgeTransparency, &C::LetEdgeTransparency>("EdgeTransparency")
-      .Property<&C::GetEdgeTransparencyOn, &C::LetEdgeTransparencyOn>("EdgeTransparencyOn")
-      .Property<&C::GetEmissionIntensity, &C::LetEmissionIntensity>("EmissionIntensity")
-      .Property<&C::GetHighlightColor, &C::LetHighlightColor>("HighlightColor")
-      .Property<&C::GetHighlightIntensity, &C::LetHighlightIntensity>("HighlightIntensity")
-      .Property<&C::GetHighlightShininess, &C::LetHighlightShininess>("HighlightShininess")
-      .Property<&C::GetIndexOfRefraction, &C::LetIndexOfRefraction>("IndexOfRefraction")
-      .Property<&C::GetMetallic, &C::LetMetallic>("Metallic")
-      .Property<&C::GetSurfaceColor, &C::LetSurfaceColor>("SurfaceColor")
-      .Property<&C::GetSurfaceColorIntensity, &C::LetSurfaceColorIntensity>("SurfaceColorIntensity")
-      .Property<&C::GetTransparency, &C::LetTransparency>("Transparency")
-      .Method<&C::AssignDefaults>("AssignDefaults")
-      .Method<&C::AssignPreviewDefaults>("AssignPreviewDefaults")
-      .Method<&C::AssignCustomFinish>("AssignCustomFinish", Names{"intFinish"})
-      .PropertyRef<&C::GetShape, &C::SetShape>("Shape")
-      .Method<&C::GetFinishFromShape>("GetFinishFromShape", Names{"objShape"})
-      .Method<&C::UpdateColor>("UpdateColor");
+  b.Property<&C::GetAmbientIntensity, &C::LetAmbientIntensity>("AmbientIntensity",
+                                                               Doc{"The ambient light intensity."})
+      .Property<&C::GetEdgeTransparency, &C::LetEdgeTransparency>("EdgeTransparency",
+                                                                  Doc{"The edge transparency."})
+      .Property<&C::GetEdgeTransparencyOn, &C::LetEdgeTransparencyOn>("EdgeTransparencyOn",
+                                                                      Doc{"Whether edge transparency is on."})
+      .Property<&C::GetEmissionIntensity, &C::LetEmissionIntensity>("EmissionIntensity",
+                                                                    Doc{"The emission intensity."})
+      .Property<&C::GetHighlightColor, &C::LetHighlightColor>(
+          "HighlightColor", Doc{"The highlight colour (RGB, red in the low byte)."})
+      .Property<&C::GetHighlightIntensity, &C::LetHighlightIntensity>("HighlightIntensity",
+                                                                      Doc{"The highlight intensity."})
+      .Property<&C::GetHighlightShininess, &C::LetHighlightShininess>("HighlightShininess",
+                                                                      Doc{"The highlight shininess."})
+      .Property<&C::GetIndexOfRefraction, &C::LetIndexOfRefraction>("IndexOfRefraction",
+                                                                    Doc{"The index of refraction."})
+      .Property<&C::GetMetallic, &C::LetMetallic>("Metallic", Doc{"Whether the finish is metallic."})
+      .Property<&C::GetSurfaceColor, &C::LetSurfaceColor>(
+          "SurfaceColor", Doc{"The surface colour (RGB, red in the low byte)."})
+      .Property<&C::GetSurfaceColorIntensity, &C::LetSurfaceColorIntensity>(
+          "SurfaceColorIntensity", Doc{"The surface colour intensity."})
+      .Property<&C::GetTransparency, &C::LetTransparency>("Transparency", Doc{"The transparency."})
+      .Method<&C::AssignDefaults>("AssignDefaults", Doc{"Sets the default finish, then UpdateColor."})
+      .Method<&C::AssignPreviewDefaults>(
+          "AssignPreviewDefaults", Doc{"Sets the default finish with Transparency 50, then UpdateColor."})
+      .Method<&C::AssignCustomFinish>("AssignCustomFinish", Names{"intFinish"},
+                                      Doc{"Sets a TKSurfaceFinishes preset, then UpdateColor; any other "
+                                          "value changes nothing and calls nothing."})
+      .PropertyRef<&C::GetShape, &C::SetShape>(
+          "Shape", Doc{"The shape whose surface-finish component (added when missing) UpdateColor writes."})
+      .Method<&C::GetFinishFromShape>(
+          "GetFinishFromShape", Names{"objShape"},
+          Doc{"Reads the twelve values of objShape's finish; returns this object."})
+      .Method<&C::UpdateColor>(
+          "UpdateColor",
+          Doc{"Writes the twelve values to the shape's finish, AmbientIntensity first, Transparency last."});
 }
 
 TKSurfaceFinish::TKSurfaceFinish() = default;
@@ -126,3 +145,14 @@ void TKSurfaceFinish::UpdateColor() {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKSurfaceFinish)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKSurfaceFinishes, "TKSurfaceFinish",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Aluminum),
+                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Brass),
+                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Bronze),
+                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Copper),
+                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Gold),
+                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Nylon),
+                        })

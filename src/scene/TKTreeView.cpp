@@ -2,17 +2,28 @@
 
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
+#include "automation/Enumerations.hpp"
 #include "scene/Scene.hpp"
 
 namespace TessarkAO {
 
 void TKTreeView::Describe(ClassBuilder<TKTreeView>& b) {
-  b.Get<&TKTreeView::NumberOfShapes>("NumberOfShapes", Names{"lngShapeType"}, Opt{std::int32_t{0}})
-      .Method<&TKTreeView::Refresh>("Refresh")
-      .PropertyRef<&TKTreeView::GetScene, &TKTreeView::SetScene>("Scene")
-      .Get<&TKTreeView::Shape>("Shape", Names{"lngIndex", "lngShapeType"})
-      .Get<&TKTreeView::ShapeDepth>("ShapeDepth", Names{"lngIndex", "lngShapeType"})
-      .Property<&TKTreeView::GetRefreshSetting, &TKTreeView::LetRefreshSetting>("RefreshSetting");
+  b.Get<&TKTreeView::NumberOfShapes>(
+       "NumberOfShapes", Names{"lngShapeType"}, Opt{std::int32_t{0}},
+       Doc{"The number of entries, or of entries of lngShapeType when it is not 0; NumberOfShapes(0) "
+           "rebuilds the list when RefreshSetting says so."})
+      .Method<&TKTreeView::Refresh>("Refresh", Doc{"Rebuilds the list of shapes from Scene."})
+      .PropertyRef<&TKTreeView::GetScene, &TKTreeView::SetScene>(
+          "Scene", Doc{"The page whose shapes are listed; assigning rebuilds when RefreshSetting says so."})
+      .Get<&TKTreeView::Shape>(
+          "Shape", Names{"lngIndex", "lngShapeType"},
+          Doc{"Entry lngIndex (counting only lngShapeType when it is not 0); Nothing past the end."})
+      .Get<&TKTreeView::ShapeDepth>(
+          "ShapeDepth", Names{"lngIndex", "lngShapeType"},
+          Doc{"The depth of the same entry (children of the root have depth 1); 0 past the end."})
+      .Property<&TKTreeView::GetRefreshSetting, &TKTreeView::LetRefreshSetting>(
+          "RefreshSetting",
+          Doc{"When the list is rebuilt (RefreshSettings; 3 means both); stored as given."});
 }
 
 std::int32_t TKTreeView::NumberOfShapes(std::int32_t lngShapeType) {
@@ -82,3 +93,11 @@ std::int32_t TKTreeView::ShapeDepth(std::int32_t lngIndex, std::int32_t lngShape
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKTreeView)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::RefreshSettings, "TKTreeView",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::RefreshSettings::OnDemand),
+                            TK_ENUM_CONSTANT(TessarkAO::RefreshSettings::OnNumberOfShapes),
+                            TK_ENUM_CONSTANT(TessarkAO::RefreshSettings::OnSetScene),
+                        })

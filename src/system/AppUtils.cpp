@@ -22,25 +22,44 @@ std::string SpecialFolderPath(std::int32_t folder) {
 }  // namespace
 
 void AppUtils::Describe(ClassBuilder<AppUtils>& b) {
-  b.Get<&AppUtils::Path>("Path")
-      .Get<&AppUtils::ApplicationVersion>("ApplicationVersion")
-      .Get<&AppUtils::ProductInRegistryCurrentUser>("ProductInRegistryCurrentUser")
-      .Get<&AppUtils::ProductInRegistryLocalMachine>("ProductInRegistryLocalMachine")
-      .Get<&AppUtils::CommonInRegistryCurrentUser>("CommonInRegistryCurrentUser")
-      .Get<&AppUtils::CommonInRegistryLocalMachine>("CommonInRegistryLocalMachine")
-      .Method<&AppUtils::GetRegistryPreferenceString>("GetRegistryPreferenceString", Names{"ValueName", "Value"})
-      .Method<&AppUtils::GetRegistryPreferenceLong>("GetRegistryPreferenceLong", Names{"ValueName", "Value"})
-      .Method<&AppUtils::RegistryPreferenceBegin>("RegistryPreferenceBegin", Names{"Section"})
-      .Method<&AppUtils::RegistryPreferenceEnd>("RegistryPreferenceEnd")
-      .Method<&AppUtils::GetCommonRegistryPreferenceString>("GetCommonRegistryPreferenceString",
-                                                            Names{"ValueName", "Value"})
-      .Method<&AppUtils::GetCommonRegistryPreferenceLong>("GetCommonRegistryPreferenceLong",
-                                                          Names{"ValueName", "Value"})
-      .Get<&AppUtils::ProgID>("ProgID")
-      .Get<&AppUtils::CommonBinariesPath>("CommonBinariesPath")
-      .Get<&AppUtils::ApplicationDataFolder>("ApplicationDataFolder")
-      .Get<&AppUtils::CommonApplicationDataFolder>("CommonApplicationDataFolder")
-      .Get<&AppUtils::PersonalFolder>("PersonalFolder");
+  b.Get<&AppUtils::Path>("Path", Doc{"The host's install folder."})
+      .Get<&AppUtils::ApplicationVersion>("ApplicationVersion",
+                                          Doc{"The product version as a number, converted with the system "
+                                              "locale; 13 when the version text is not a number."})
+      .Get<&AppUtils::ProductInRegistryCurrentUser>("ProductInRegistryCurrentUser",
+                                                    Doc{"The product's registry key for the current user."})
+      .Get<&AppUtils::ProductInRegistryLocalMachine>(
+          "ProductInRegistryLocalMachine",
+          Doc{"The product's registry key for the machine (\"New User Settings\")."})
+      .Get<&AppUtils::CommonInRegistryCurrentUser>("CommonInRegistryCurrentUser",
+                                                   Doc{"The product family's common registry key."})
+      .Get<&AppUtils::CommonInRegistryLocalMachine>(
+          "CommonInRegistryLocalMachine", Doc{"The same text as CommonInRegistryCurrentUser, deliberately."})
+      .Method<&AppUtils::GetRegistryPreferenceString>(
+          "GetRegistryPreferenceString", Names{"ValueName", "Value"}, Out<2>{},
+          Doc{"Reads string value ValueName of the open section (current user first, then the machine) into "
+              "Value; True when found."})
+      .Method<&AppUtils::GetRegistryPreferenceLong>(
+          "GetRegistryPreferenceLong", Names{"ValueName", "Value"}, Out<2>{},
+          Doc{"Reads number value ValueName of the open section (current user first, then the machine) into "
+              "Value; True when found."})
+      .Method<&AppUtils::RegistryPreferenceBegin>(
+          "RegistryPreferenceBegin", Names{"Section"},
+          Doc{"Opens preference section Section; False, with the open one kept, while one is open."})
+      .Method<&AppUtils::RegistryPreferenceEnd>("RegistryPreferenceEnd", Doc{"Closes the open section."})
+      .Method<&AppUtils::GetCommonRegistryPreferenceString>(
+          "GetCommonRegistryPreferenceString", Names{"ValueName", "Value"}, Out<2>{},
+          Doc{"As GetRegistryPreferenceString, on the product family's keys."})
+      .Method<&AppUtils::GetCommonRegistryPreferenceLong>(
+          "GetCommonRegistryPreferenceLong", Names{"ValueName", "Value"}, Out<2>{},
+          Doc{"As GetRegistryPreferenceLong, on the product family's keys."})
+      .Get<&AppUtils::ProgID>("ProgID", Doc{"The host application's ProgID."})
+      .Get<&AppUtils::CommonBinariesPath>("CommonBinariesPath", Doc{"The host's common binaries folder."})
+      .Get<&AppUtils::ApplicationDataFolder>("ApplicationDataFolder",
+                                             Doc{"The user's application-data folder."})
+      .Get<&AppUtils::CommonApplicationDataFolder>("CommonApplicationDataFolder",
+                                                   Doc{"The all-users application-data folder."})
+      .Get<&AppUtils::PersonalFolder>("PersonalFolder", Doc{"The user's documents folder."});
 }
 
 std::string AppUtils::LastRunProductName() { return Dialog::ReadAddOnPreference("LastRunProductName", "TESSARK"); }

@@ -5,6 +5,7 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
 #include "automation/Convert.hpp"
+#include "automation/Enumerations.hpp"
 #include "platform/Registry.hpp"
 #include "system/Application.hpp"
 #include "system/SystemFont.hpp"
@@ -54,24 +55,48 @@ std::string InitialsOf(std::string_view name) {
 }
 
 void TKSystemUtils::Describe(ClassBuilder<TKSystemUtils>& b) {
-  b.Method<&TKSystemUtils::ReadRegistryValue>("ReadRegistryValue", Names{"lKey", "sSubKey", "sValueName", "lError"})
-      .Method<&TKSystemUtils::SetRegistryStringValue>("SetRegistryStringValue",
-                                                      Names{"lRootKey", "sSubKey", "sValueName", "sValue"})
-      .Method<&TKSystemUtils::ReadRegistryStringValue>("ReadRegistryStringValue",
-                                                       Names{"lRootKey", "sSubKey", "sValueName", "pValue"})
-      .Method<&TKSystemUtils::DoesFileExist>("DoesFileExist", Names{"Filename"})
-      .Method<&TKSystemUtils::SetLocaleDLL>("SetLocaleDLL", Names{"strMainDllName", "strProjectName"})
-      .Get<&TKSystemUtils::SystemDefaultLCID>("SystemDefaultLCID")
-      .Get<&TKSystemUtils::DefaultSystemFont>("DefaultSystemFont")
-      .Method<&TKSystemUtils::SetDefaultSystemFont>("SetDefaultSystemFont", Names{"objForm", "bKeepProperties"})
-      .Method<&TKSystemUtils::ReadRegistryLongValue>("ReadRegistryLongValue",
-                                                     Names{"lRootKey", "sSubKey", "sValueName", "pValue"})
-      .Method<&TKSystemUtils::SetRegistryLongValue>("SetRegistryLongValue",
-                                                    Names{"lRootKey", "sSubKey", "sValueName", "pValue"})
-      .Get<&TKSystemUtils::OperatingSystem>("OperatingSystem")
-      .Get<&TKSystemUtils::UserName>("UserName")
-      .Get<&TKSystemUtils::UserInitials>("UserInitials")
-      .Get<&TKSystemUtils::EnvironmentVariable>("EnvironmentVariable", Names{"Variable"});
+  b.Method<&TKSystemUtils::ReadRegistryValue>(
+       "ReadRegistryValue", Names{"lKey", "sSubKey", "sValueName", "lError"}, Out<4>{},
+       Doc{"The value sValueName of key sSubKey under the root handle lKey, as text; lError receives the "
+           "registry status (0 success). Never raises."})
+      .Method<&TKSystemUtils::SetRegistryStringValue>(
+          "SetRegistryStringValue", Names{"lRootKey", "sSubKey", "sValueName", "sValue"},
+          Doc{"Writes a string value under the root lRootKey (TKRegistryKeys); always returns 0."})
+      .Method<&TKSystemUtils::ReadRegistryStringValue>(
+          "ReadRegistryStringValue", Names{"lRootKey", "sSubKey", "sValueName", "pValue"}, Out<4>{},
+          Doc{"Reads a string value into pValue; returns the registry status (0 success)."})
+      .Method<&TKSystemUtils::DoesFileExist>("DoesFileExist", Names{"Filename"},
+                                             Doc{"Whether the file exists."})
+      .Method<&TKSystemUtils::SetLocaleDLL>(
+          "SetLocaleDLL", Names{"strMainDllName", "strProjectName"}, Out<1>{},
+          Doc{"The localizer of the system's language, made from the main library's satellite; Nothing when "
+              "none could be created. The caller's strMainDllName receives the satellite's name. Never "
+              "raises."})
+      .Get<&TKSystemUtils::SystemDefaultLCID>(
+          "SystemDefaultLCID",
+          Doc{"The system's default locale identifier (1033 English, 1041 Japanese, ...)."})
+      .Get<&TKSystemUtils::DefaultSystemFont>(
+          "DefaultSystemFont", Doc{"The system's default font as a font object. Never raises."})
+      .Method<&TKSystemUtils::SetDefaultSystemFont>(
+          "SetDefaultSystemFont", Names{"objForm", "bKeepProperties"},
+          Doc{"Applies the default system font to the controls of objForm (with bKeepProperties, keeping "
+              "size and style). Never raises."})
+      .Method<&TKSystemUtils::ReadRegistryLongValue>(
+          "ReadRegistryLongValue", Names{"lRootKey", "sSubKey", "sValueName", "pValue"}, Out<4>{},
+          Doc{"Reads a number value into pValue; returns 0 for a number (or numeric text), else 1 with "
+              "pValue untouched."})
+      .Method<&TKSystemUtils::SetRegistryLongValue>(
+          "SetRegistryLongValue", Names{"lRootKey", "sSubKey", "sValueName", "pValue"},
+          Doc{"Writes a number value under the root lRootKey; always returns 0."})
+      .Get<&TKSystemUtils::OperatingSystem>(
+          "OperatingSystem", Doc{"The operating system (TKOperatingSystems); TKOS_Unknown off Windows."})
+      .Get<&TKSystemUtils::UserName>("UserName",
+                                     Doc{"The login name of the user; \"\" when it cannot be had."})
+      .Get<&TKSystemUtils::UserInitials>(
+          "UserInitials", Doc{"The user's initials, made from UserName; \"\" when it cannot be had."})
+      .Get<&TKSystemUtils::EnvironmentVariable>(
+          "EnvironmentVariable", Names{"Variable"},
+          Doc{"The value of the environment variable Variable; \"\" when it is not set. Never raises."});
 }
 
 std::string TKSystemUtils::ReadRegistryValue(std::int32_t lKey, std::string sSubKey, std::string sValueName,
@@ -226,3 +251,24 @@ std::string TKSystemUtils::EnvironmentVariable(std::string Variable) {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKSystemUtils)
+
+// The enumerations of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKRegistryKeys, "TKSystemUtils",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKRegistry_HKEY_CLASSES_ROOT),
+                            TK_ENUM_CONSTANT(TessarkAO::TKRegistry_HKEY_LOCAL_MACHINE),
+                            TK_ENUM_CONSTANT(TessarkAO::TKRegistry_HKEY_CURRENT_USER),
+                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKOperatingSystems, "TKSystemUtils",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKOS_Unknown),
+                            TK_ENUM_CONSTANT(TessarkAO::TKOS_Windows31),
+                            TK_ENUM_CONSTANT(TessarkAO::TKOS_Windows95),
+                            TK_ENUM_CONSTANT(TessarkAO::TKOS_Windows98),
+                            TK_ENUM_CONSTANT(TessarkAO::TKOS_WindowsNT4),
+                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKSystemLCIDs, "TKSystemUtils",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::LCID_English),
+                            TK_ENUM_CONSTANT(TessarkAO::LCID_Japanese),
+                        })

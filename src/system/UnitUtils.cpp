@@ -1,14 +1,21 @@
 #include "system/UnitUtils.hpp"
 
 #include "automation/Catalogue.hpp"
+#include "automation/Enumerations.hpp"
 
 namespace TessarkAO {
 
 void UnitUtils::Describe(ClassBuilder<UnitUtils>& b) {
-  b.PropertyRef<&UnitUtils::GetPage, &UnitUtils::SetPage>("Page")
-      .Method<&UnitUtils::ConvertUnits>("ConvertUnits", Names{"objPage", "dblValue", "lngFromUnits", "lngToUnits"})
-      .Method<&UnitUtils::GetPageLengthUnits>("GetPageLengthUnits", Names{"objPage"})
-      .Method<&UnitUtils::GetPageAngleUnits>("GetPageAngleUnits", Names{"objPage"});
+  b.PropertyRef<&UnitUtils::GetPage, &UnitUtils::SetPage>(
+       "Page", Doc{"The page used when a member's page argument is Nothing."})
+      .Method<&UnitUtils::ConvertUnits>("ConvertUnits",
+                                        Names{"objPage", "dblValue", "lngFromUnits", "lngToUnits"},
+                                        Doc{"Converts dblValue from unit lngFromUnits to lngToUnits "
+                                            "(TKUnit), page units by objPage or else Page."})
+      .Method<&UnitUtils::GetPageLengthUnits>("GetPageLengthUnits", Names{"objPage"},
+                                              Doc{"The TKUnit of objPage's length unit; 91 for Nothing."})
+      .Method<&UnitUtils::GetPageAngleUnits>("GetPageAngleUnits", Names{"objPage"},
+                                             Doc{"The TKUnit of objPage's angle unit; 91 for Nothing."});
 }
 
 double UnitUtils::ConvertUnits(Ref<Object> objPage, double dblValue, std::int32_t lngFromUnits,
@@ -23,3 +30,20 @@ std::int32_t UnitUtils::GetPageAngleUnits(Ref<Object> objPage) { return Units::P
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::UnitUtils)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKUnit, "UnitUtils",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_MILLIMETERS),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_CENTIMETERS),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_METERS),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_INCHES),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_FEET),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_YARDS),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_PAGEUNITS),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_PAGEANGLEUNITS),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_DEGREES),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_RADIANS),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_SYSTEM_LENGTH_UNITS),
+                            TK_ENUM_CONSTANT(TessarkAO::UNIT_SYSTEM_ANGLE_UNITS),
+                        })

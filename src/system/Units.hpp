@@ -5,30 +5,17 @@
 // (metres for lengths, radians for angles); a conversion multiplies by the
 // source unit's factor and divides by the target unit's.  Page units ask the
 // page for their factor ("UnitsScale" with 2 for lengths, 1 for angles) at
-// the moment of the conversion.  Degrees use 3.14159265358979 / 180, not the
-// full-precision value, so that results agree with the rest of the library.
+// the moment of the conversion.  Degrees use the library's pi (kPi / 180),
+// not the full-precision value, so that results agree with the rest of the
+// library.
 #pragma once
 
 #include <cstdint>
 
 #include "automation/Variant.hpp"
+#include "frame/Conventions.hpp"
 
 namespace TessarkAO {
-
-enum TKUnit : std::int32_t {
-  UNIT_MILLIMETERS = 1,
-  UNIT_CENTIMETERS = 2,
-  UNIT_METERS = 3,
-  UNIT_INCHES = 4,
-  UNIT_FEET = 5,
-  UNIT_YARDS = 6,
-  UNIT_PAGEUNITS = 7,
-  UNIT_PAGEANGLEUNITS = 8,
-  UNIT_DEGREES = 9,
-  UNIT_RADIANS = 10,
-  UNIT_SYSTEM_LENGTH_UNITS = 11,
-  UNIT_SYSTEM_ANGLE_UNITS = 12,
-};
 
 namespace Units {
 
@@ -38,7 +25,7 @@ inline constexpr double kMeter = 1;
 inline constexpr double kInch = 0.0254;
 inline constexpr double kFoot = 0.3048;
 inline constexpr double kYard = 0.9144;
-inline constexpr double kDegree = 0.017453292519943278;  // 3.14159265358979 / 180
+inline constexpr double kDegree = TessarkAO::kDegree;
 inline constexpr double kScaleTolerance = 0.00001;        // 1 / 100000
 
 // Value in `fromUnits` expressed in `toUnits`.  Lengths and angles are

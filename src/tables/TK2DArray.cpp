@@ -9,18 +9,35 @@
 namespace TessarkAO {
 
 void TK2DArray::Describe(ClassBuilder<TK2DArray>& b) {
-  b.Method<&TK2DArray::CopyFromNumericArray>("CopyFromNumericArray", Names{"dValues"})
-      .Get<&TK2DArray::Rows>("Rows")
-      .Get<&TK2DArray::Columns>("Columns")
+  b.Method<&TK2DArray::CopyFromNumericArray>(
+       "CopyFromNumericArray", Names{"dValues"},
+       Doc{"Takes the dimensions and values of a 1- or 2-dimensional numeric array (a 1-dimensional one "
+           "becomes one column); True on success."})
+      .Get<&TK2DArray::Rows>("Rows", Doc{"The number of rows; assigning re-dimensions, keeping the values."})
+      .Get<&TK2DArray::Columns>("Columns",
+                                Doc{"The number of columns; assigning re-dimensions, keeping the values."})
       .Let<&TK2DArray::LetRows>("Rows")
       .Let<&TK2DArray::LetColumns>("Columns")
-      .Method<&TK2DArray::GetValue>("GetValue", Names{"Row", "Column"})
-      .Method<&TK2DArray::SetValue>("SetValue", Names{"Row", "Column", "Value"})
-      .Method<&TK2DArray::SetDimensions>("SetDimensions", Names{"Rows", "Columns", "PreserveValues"})
-      .Method<&TK2DArray::CopyFromIUnknown>("CopyFromIUnknown", Names{"Array2D"})
-      .Method<&TK2DArray::Copy>("Copy", Names{"Array2D"})
-      .Method<&TK2DArray::AddRow>("AddRow")
-      .Method<&TK2DArray::AddColumn>("AddColumn");
+      .Method<&TK2DArray::GetValue>("GetValue", Names{"Row", "Column"},
+                                    Doc{"The value at (Row, Column), both from 1; 0 outside the array."})
+      .Method<&TK2DArray::SetValue>(
+          "SetValue", Names{"Row", "Column", "Value"},
+          Doc{"Sets the value at (Row, Column), both from 1; outside the array nothing changes."})
+      .Method<&TK2DArray::SetDimensions>(
+          "SetDimensions", Names{"Rows", "Columns", "PreserveValues"},
+          Doc{"Sets both counts and zeroes the values, or with PreserveValues keeps them (then only the "
+              "column count may change; 9 otherwise)."})
+      .Method<&TK2DArray::CopyFromIUnknown>(
+          "CopyFromIUnknown", Names{"Array2D"},
+          Doc{"Re-dimensions to Array2D's Rows x Columns and copies its GetValue(Row, Column); any object "
+              "with those members will do. Errors are trapped: the result tells success."})
+      .Method<&TK2DArray::Copy>("Copy", Names{"Array2D"},
+                                Doc{"Copies Array2D's values into the cells both arrays have; this array is "
+                                    "not resized. 91 for Nothing."})
+      .Method<&TK2DArray::AddRow>(
+          "AddRow", Doc{"Appends a row (a column count of 0 becomes 1); returns the new row count."})
+      .Method<&TK2DArray::AddColumn>(
+          "AddColumn", Doc{"Appends a column (a row count of 0 becomes 1); returns the new column count."});
 }
 
 TK2DArray::~TK2DArray() {

@@ -4,33 +4,75 @@
 #include <cmath>
 
 #include "automation/Catalogue.hpp"
+#include "automation/Enumerations.hpp"
 #include "tables/TableLimits.hpp"
 
 namespace TessarkAO {
 
 void TKColumn::Describe(ClassBuilder<TKColumn>& b) {
-  b.Method<&TKColumn::Find>("Find", Names{"Value", "StartingIndex"}, Opt{Variant(1)})
-      .Method<&TKColumn::IsFirstValueGreater>("IsFirstValueGreater", Names{"Index1", "Index2"})
-      .Get<&TKColumn::SpanIndex>("SpanIndex", Names{"Index"})
-      .Get<&TKColumn::SpanValue>("SpanValue", Names{"Index"})
-      .Get<&TKColumn::Spans>("Spans")
-      .Method<&TKColumn::GetSpanLength>("GetSpanLength", Names{"Index", "Down"})
-      .Property<&TKColumn::ColumnType, &TKColumn::LetColumnType>("ColumnType")
-      .Method<&TKColumn::Swap>("Swap", Names{"Index1", "Index2"})
-      .Property<&TKColumn::NumberOfElements, &TKColumn::LetNumberOfElements>("NumberOfElements")
-      .Method<&TKColumn::GetObjectValues>("GetObjectValues", Names{"pValues"})
-      .Method<&TKColumn::GetDoubleValues>("GetDoubleValues", Names{"pValues"})
-      .Method<&TKColumn::GetStringValues>("GetStringValues", Names{"pValues"})
-      .Method<&TKColumn::SetDoubleValues>("SetDoubleValues", Names{"Values"})
-      .Method<&TKColumn::SetObjectValues>("SetObjectValues", Names{"Values"})
-      .Method<&TKColumn::SetStringValues>("SetStringValues", Names{"Values"})
-      .Method<&TKColumn::GetAt>("GetAt", Names{"Index"})
+  b.Method<&TKColumn::Find>("Find", Names{"Value", "StartingIndex"}, Opt{Variant(1)},
+                            Doc{"The index of the first element from StartingIndex on equal to Value "
+                                "(converted to the column's type; 13 when it does not convert); 0 when none. "
+                                "Strings compare trimmed and lower-cased; a StartingIndex below 1 raises 9."})
+      .Method<&TKColumn::IsFirstValueGreater>("IsFirstValueGreater", Names{"Index1", "Index2"},
+                                              Doc{"Whether element Index1 is greater than element Index2 in "
+                                                  "the column's order (False for an invalid index)."})
+      .Get<&TKColumn::SpanIndex>(
+          "SpanIndex", Names{"Index"},
+          Doc{"The first element index of span Index (a span is a run of equal values), or 0."})
+      .Get<&TKColumn::SpanValue>("SpanValue", Names{"Index"},
+                                 Doc{"The value of span Index's first element; Empty outside 1 to Spans."})
+      .Get<&TKColumn::Spans>("Spans", Doc{"The number of spans (runs of equal values)."})
+      .Method<&TKColumn::GetSpanLength>("GetSpanLength", Names{"Index", "Down"},
+                                        Doc{"The length of the run of elements equal to element Index, "
+                                            "counted down or up from it; at least 1."})
+      .Property<&TKColumn::ColumnType, &TKColumn::LetColumnType>(
+          "ColumnType",
+          Doc{"The column's type (TKColumnTypes); the let takes effect only while the type is None."})
+      .Method<&TKColumn::Swap>("Swap", Names{"Index1", "Index2"},
+                               Doc{"Exchanges two elements. Deliberately True when either index is invalid "
+                                   "(nothing changes); False on a None column."})
+      .Property<&TKColumn::NumberOfElements, &TKColumn::LetNumberOfElements>(
+          "NumberOfElements", Doc{"The number of elements; assigning resizes the column keeping the values "
+                                  "(7 for a count too large)."})
+      .Method<&TKColumn::GetObjectValues>(
+          "GetObjectValues", Names{"pValues"}, Out<1>{},
+          Doc{"Fills pValues with the elements (bounds 1 to count) and returns the count; with no elements "
+              "pValues is left as it is. 9 on a column of another type."})
+      .Method<&TKColumn::GetDoubleValues>(
+          "GetDoubleValues", Names{"pValues"}, Out<1>{},
+          Doc{"Fills pValues with the elements (bounds 1 to count) and returns the count; with no elements "
+              "pValues is left as it is. 9 on a column of another type."})
+      .Method<&TKColumn::GetStringValues>(
+          "GetStringValues", Names{"pValues"}, Out<1>{},
+          Doc{"Fills pValues with the elements (bounds 1 to count) and returns the count; with no elements "
+              "pValues is left as it is. 9 on a column of another type."})
+      .Method<&TKColumn::SetDoubleValues>("SetDoubleValues", Names{"Values"},
+                                          Doc{"SetAt for every position of the array Values (shifted by its "
+                                              "lower bound minus 1); results ignored."})
+      .Method<&TKColumn::SetObjectValues>("SetObjectValues", Names{"Values"},
+                                          Doc{"SetAt for every position of the array Values (shifted by its "
+                                              "lower bound minus 1); results ignored."})
+      .Method<&TKColumn::SetStringValues>("SetStringValues", Names{"Values"},
+                                          Doc{"SetAt for every position of the array Values (shifted by its "
+                                              "lower bound minus 1); results ignored."})
+      .Method<&TKColumn::GetAt>("GetAt", Names{"Index"},
+                                Doc{"Element Index (from 1); Empty outside the column."})
       .Default()
-      .Method<&TKColumn::SetAt>("SetAt", Names{"Index", "Element"})
-      .Method<&TKColumn::Add>("Add", Names{"Element"})
-      .Method<&TKColumn::SetAtGrow>("SetAtGrow", Names{"Index", "Element"})
-      .Method<&TKColumn::RemoveAt>("RemoveAt", Names{"Index"})
-      .Get<&TKColumn::IndexSpan>("IndexSpan", Names{"Index"});
+      .Method<&TKColumn::SetAt>(
+          "SetAt", Names{"Index", "Element"},
+          Doc{"Stores Element at Index when the index is valid and the type fits the column (a Double column "
+              "takes Double, Decimal, Integer, Long, Single and Byte); returns whether it was stored."})
+      .Method<&TKColumn::Add>(
+          "Add", Names{"Element"},
+          Doc{"Appends Element when its type fits the column; returns whether it was added."})
+      .Method<&TKColumn::SetAtGrow>("SetAtGrow", Names{"Index", "Element"},
+                                    Doc{"Grows the column to Index when it is larger, then SetAt."})
+      .Method<&TKColumn::RemoveAt>(
+          "RemoveAt", Names{"Index"},
+          Doc{"Removes element Index. Always returns False, also after a successful removal, deliberately."})
+      .Get<&TKColumn::IndexSpan>("IndexSpan", Names{"Index"},
+                                 Doc{"The number of the span that contains element Index, or 0."});
 }
 
 TKColumn::~TKColumn() {
@@ -383,3 +425,12 @@ std::int32_t TKColumn::IndexSpan(std::int32_t index) const {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKColumn)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKColumnTypes, "TKColumn",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKColumnType_None),
+                            TK_ENUM_CONSTANT(TessarkAO::TKColumnType_Double),
+                            TK_ENUM_CONSTANT(TessarkAO::TKColumnType_Object),
+                            TK_ENUM_CONSTANT(TessarkAO::TKColumnType_String),
+                        })

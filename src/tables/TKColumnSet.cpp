@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "automation/Catalogue.hpp"
+#include "automation/Enumerations.hpp"
 #include "tables/TableLimits.hpp"
 
 namespace TessarkAO {
@@ -10,22 +11,46 @@ namespace TessarkAO {
 using Tables::SpanTable;
 
 void TKColumnSet::Describe(ClassBuilder<TKColumnSet>& b) {
-  b.Method<&TKColumnSet::GetElementAt>("GetElementAt", Names{"Column", "Row"})
-      .Method<&TKColumnSet::Item>("Item", Names{"Index"})
+  b.Method<&TKColumnSet::GetElementAt>(
+       "GetElementAt", Names{"Column", "Row"},
+       Doc{"GetAt(Row) of column Column; Empty for a column outside 1 to NumberOfColumns."})
+      .Method<&TKColumnSet::Item>("Item", Names{"Index"},
+                                  Doc{"Column Index (from 1), or Nothing for an invalid index."})
       .Default()
-      .Property<&TKColumnSet::NumberOfRows, &TKColumnSet::LetNumberOfRows>("NumberOfRows")
-      .Get<&TKColumnSet::NumberOfColumns>("NumberOfColumns")
-      .Method<&TKColumnSet::AddColumn>("AddColumn", Names{"ColumnType"})
-      .Method<&TKColumnSet::AddRow>("AddRow")
-      .Method<&TKColumnSet::GetSpanInformationForColumns>("GetSpanInformationForColumns", Names{"Columns"})
-      .Method<&TKColumnSet::GetSpanInformationWithSpanContext>("GetSpanInformationWithSpanContext",
-                                                               Names{"Column", "Span"})
-      .Method<&TKColumnSet::GetSpanInformation>("GetSpanInformation", Names{"Column"})
-      .Method<&TKColumnSet::SortWithSpanContext>("SortWithSpanContext",
-                                                 Names{"SpanContext", "SortType", "ColumnOrder"})
-      .Method<&TKColumnSet::Sort>("Sort", Names{"SortType", "ColumnOrder"})
-      .Method<&TKColumnSet::CreateColumnSetFromRows>("CreateColumnSetFromRows", Names{"StartRow", "EndingRow"})
-      .Method<&TKColumnSet::MergeColumnSet>("MergeColumnSet", Names{"pColumnSet", "StartRow"});
+      .Property<&TKColumnSet::NumberOfRows, &TKColumnSet::LetNumberOfRows>(
+          "NumberOfRows", Doc{"The number of rows; assigning gives every column that many elements."})
+      .Get<&TKColumnSet::NumberOfColumns>("NumberOfColumns", Doc{"The number of columns."})
+      .Method<&TKColumnSet::AddColumn>("AddColumn", Names{"ColumnType"},
+                                       Doc{"Appends a new TKColumn of ColumnType (TKColumnTypes) with "
+                                           "NumberOfRows elements and returns it."})
+      .Method<&TKColumnSet::AddRow>("AddRow", Doc{"Appends a row to every column."})
+      .Method<&TKColumnSet::GetSpanInformationForColumns>(
+          "GetSpanInformationForColumns", Names{"Columns"},
+          Doc{"The groups of rows in which all listed columns are equal, as a span table (TK2DArray of first "
+              "and last rows); Nothing for an empty list."})
+      .Method<&TKColumnSet::GetSpanInformationWithSpanContext>(
+          "GetSpanInformationWithSpanContext", Names{"Column", "Span"},
+          Doc{"The runs of equal values of column Column inside each span of SpanContext, as a span table; a "
+              "run never crosses a span's end. 91 for a Nothing span table."})
+      .Method<&TKColumnSet::GetSpanInformation>("GetSpanInformation", Names{"Column"},
+                                                Doc{"The spans (runs of equal values) of column Column as a "
+                                                    "span table; an empty table for an invalid column."})
+      .Method<&TKColumnSet::SortWithSpanContext>(
+          "SortWithSpanContext", Names{"SpanContext", "SortType", "ColumnOrder"},
+          Doc{"Sorts the rows inside each span of SpanContext on the listed columns (TKColumnSetSort order; "
+              "a column list or one array of column numbers). 9 for a column out of range, 91 for a Nothing "
+              "context."})
+      .Method<&TKColumnSet::Sort>("Sort", Names{"SortType", "ColumnOrder"},
+                                  Doc{"Sorts all rows on the listed columns (TKColumnSetSort order), as "
+                                      "SortWithSpanContext over one span."})
+      .Method<&TKColumnSet::CreateColumnSetFromRows>(
+          "CreateColumnSetFromRows", Names{"StartRow", "EndingRow"},
+          Doc{"A new set with the same column types holding rows StartRow to EndingRow."})
+      .Method<&TKColumnSet::MergeColumnSet>(
+          "MergeColumnSet", Names{"pColumnSet", "StartRow"},
+          Doc{"Overwrites rows from StartRow on with pColumnSet's cells (values of another type are "
+              "skipped); False, with nothing changed, unless its rows fit. 91 when it lacks one of this "
+              "set's columns."});
 }
 
 TKColumnSet::~TKColumnSet() { columns_.clear(); }
@@ -280,3 +305,10 @@ bool TKColumnSet::MergeColumnSet(Ref<TKColumnSet> pColumnSet, std::int32_t start
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::TKColumnSet)
+
+// The enumeration of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKColumnSetSort, "TKColumnSet",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKColumnSetSort_Ascending),
+                            TK_ENUM_CONSTANT(TessarkAO::TKColumnSetSort_Descending),
+                        })

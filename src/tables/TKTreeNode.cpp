@@ -39,18 +39,30 @@ struct TKTreeNode::Tree {
 };
 
 void TKTreeNode::Describe(ClassBuilder<TKTreeNode>& b) {
-  b.Get<&TKTreeNode::Parent>("Parent")
-      .Method<&TKTreeNode::AddNode>("AddNode")
-      .Get<&TKTreeNode::Nodes>("Nodes", Names{"IncludeSubNodes"}, Opt{Variant(false)})
-      .Get<&TKTreeNode::Node>("Node", Names{"Index"})
-      .Method<&TKTreeNode::GetNodeWithData>("GetNodeWithData", Names{"DataID", "DataValue", "StartIndex"},
-                                            Opt{Variant(1)})
-      .Method<&TKTreeNode::SetData>("SetData", Names{"ID", "pData"})
-      .Get<&TKTreeNode::DataExists>("DataExists", Names{"ID"})
-      .Method<&TKTreeNode::GetData>("GetData", Names{"ID"})
-      .Get<&TKTreeNode::Index>("Index")
+  b.Get<&TKTreeNode::Parent>("Parent",
+                             Doc{"The node that created this one with AddNode; Nothing for a root."})
+      .Method<&TKTreeNode::AddNode>("AddNode", Doc{"Appends a new child and returns it."})
+      .Get<&TKTreeNode::Nodes>("Nodes", Names{"IncludeSubNodes"}, Opt{Variant(false)},
+                               Doc{"The number of children, or with IncludeSubNodes of all descendants."})
+      .Get<&TKTreeNode::Node>("Node", Names{"Index"}, Doc{"Child Index (from 1), or Nothing."})
+      .Method<&TKTreeNode::GetNodeWithData>(
+          "GetNodeWithData", Names{"DataID", "DataValue", "StartIndex"}, Opt{Variant(1)},
+          Doc{"The first child from StartIndex on whose data under DataID matches DataValue (same type and "
+              "value; for objects the same object); Nothing when none. 9 for StartIndex below 1, 13 for "
+              "array values."})
+      .Method<&TKTreeNode::SetData>(
+          "SetData", Names{"ID", "pData"},
+          Doc{"Stores pData under ID, replacing a value stored there; always True."})
+      .Get<&TKTreeNode::DataExists>("DataExists", Names{"ID"}, Doc{"Whether a value is stored under ID."})
+      .Method<&TKTreeNode::GetData>(
+          "GetData", Names{"ID"},
+          Doc{"The value stored under ID (an object as the same reference), or Empty."})
+      .Get<&TKTreeNode::Index>("Index",
+                               Doc{"This node's position among its parent's children; 0 for a root."})
       .Get<&TKTreeNode::NodesWithData>("NodesWithData", Names{"DataID", "DataValue", "IncludeSubNodes"},
-                                       Opt{Variant(false)});
+                                       Opt{Variant(false)},
+                                       Doc{"How many children (with IncludeSubNodes: descendants) have data "
+                                           "matching as for GetNodeWithData."});
 }
 
 TKTreeNode::TKTreeNode() : tree_(std::make_shared<Tree>()), node_(0) {

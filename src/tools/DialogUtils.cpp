@@ -3,6 +3,7 @@
 #include <array>
 
 #include "automation/Catalogue.hpp"
+#include "automation/Enumerations.hpp"
 #include "platform/Registry.hpp"
 #include "platform/UserInterface.hpp"
 #include "scene/Scene.hpp"
@@ -47,12 +48,26 @@ std::string Read(std::int32_t root, const std::string& key, std::string_view nam
 }  // namespace
 
 void DialogUtils::Describe(ClassBuilder<DialogUtils>& b) {
-  b.Method<&DialogUtils::GetStartPosition>("GetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"})
-      .Method<&DialogUtils::SetStartPosition>("SetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"})
-      .Set<&DialogUtils::SetPage>("Page", Names{"objPage"})
-      .Method<&DialogUtils::GetCLSID>("GetCLSID", Names{"intDialog", "lngError"})
-      .Method<&DialogUtils::GetCLSIDOfClass>("GetCLSIDOfClass", Names{"Class", "lngError"})
-      .Method<&DialogUtils::QueryTool>("QueryTool", Names{"objShape"});
+  b.Method<&DialogUtils::GetStartPosition>(
+       "GetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"}, Out<2, 3>{},
+       Doc{"Writes the remembered screen position of dialog intDialog (TKToolDialogs) into lngXPos and "
+           "lngYPos, from the user's settings, else the machine's; (0, 0) when beyond the screen. 6 beyond a "
+           "Long."})
+      .Method<&DialogUtils::SetStartPosition>(
+          "SetStartPosition", Names{"intDialog", "lngXPos", "lngYPos"},
+          Doc{"Remembers the screen position of dialog intDialog (TKToolDialogs) in the user's settings."})
+      .Set<&DialogUtils::SetPage>("Page", Names{"objPage"},
+                                  Doc{"The page the scene viewer shows (see GetCLSID)."})
+      .Method<&DialogUtils::GetCLSID>(
+          "GetCLSID", Names{"intDialog", "lngError"}, Out<2>{},
+          Doc{"The class identifier of the tool of dialog intDialog (TKToolDialogs); lngError receives the "
+              "registry status (0 found)."})
+      .Method<&DialogUtils::GetCLSIDOfClass>("GetCLSIDOfClass", Names{"Class", "lngError"}, Out<2>{},
+                                             Doc{"The class identifier of the ProgID Class; lngError "
+                                                 "receives the registry status; \"\" on failure."})
+      .Method<&DialogUtils::QueryTool>(
+          "QueryTool", Names{"objShape"},
+          Doc{"The tool (TKTools) that created objShape; TKTOOL_NULL when none."});
 }
 
 std::string_view DialogUtils::SettingsSubkey(std::int32_t dialog) noexcept {
@@ -143,3 +158,36 @@ std::int32_t DialogUtils::QueryTool(Ref<Object> objShape) {
 }  // namespace TessarkAO
 
 TK_REGISTER_CLASS(TessarkAO::DialogUtils)
+
+// The enumerations of the class's interface, for scripts and the type library.
+TK_REGISTER_ENUMERATION(TessarkAO::TKToolDialogs, "DialogUtils",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_ASSEMBLY),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_ASSEMBLYTREE),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_CUSTOM_HOLE),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_PATTERN),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_FASTENERS),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_SPURGEAR),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_HELIX),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_EXTRUDE),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_RIB),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_HOT_FORMED_STEEL),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_COLD_FORMED_STEEL),
+                            TK_ENUM_CONSTANT(TessarkAO::DLG_BEARINGS),
+                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKTools, "DialogUtils",
+                        {
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_NULL),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_ASSEMBLY),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_ASSEMBLYTREE),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_CUSTOM_HOLE),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_PATTERN),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_FASTENERS),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_SPURGEAR),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_HELIX),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_EXTRUDE),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_RIB),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_HOT_FORMED_STEEL),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_COLD_FORMED_STEEL),
+                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_BEARINGS),
+                        })

@@ -2,16 +2,13 @@
 
 #include "automation/Convert.hpp"
 #include "frame/Globals.hpp"
-#include "system/TKSystemUtils.hpp"
+#include "system/FormFont.hpp"
 
 namespace TessarkAO {
 
 ImportBSplineDialog::ImportBSplineDialog(ValidateFile validate) : validate_(std::move(validate)) {
-  // The form takes the system's default font (face and size) for its controls.
-  Ref<TKSystemUtils> system = MakeRef<TKSystemUtils>();
-  const Variant font(system->DefaultSystemFont());
-  fontName_ = ToString(font.Get("Name"));
-  fontSize_ = ToString(font.Get("Size"));
+  font_ = ApplyDefaultSystemFont(
+      {"fraFilename", "lblDescription", "txtFilename", "cmdBrowse", "cmdOK", "cmdCancel", "dlgFile"});
   caption_ = Globals::LoadString(109);
   frameCaption_ = Globals::LoadString(110);
   description_ = Globals::LoadString(111);
@@ -28,8 +25,18 @@ std::string ImportBSplineDialog::Text() const {
   t += description_ + "\n";
   t += "File: " + fileName_ + "\n";
   t += "[Browse...] [" + importCaption_ + "]" + state(importEnabled_) + " [" + cancelCaption_ + "]\n";
-  t += "Font: " + fontName_ + " " + fontSize_ + "\n";
+  t += "Font: " + font_.name + " " + ToString(Variant(font_.points)) + "\n";
   return t;
+}
+
+std::string ImportBSplineDialog::Caption(std::string_view control) const {
+  if (control.empty()) return caption_;
+  if (control == "fraFilename") return frameCaption_;
+  if (control == "lblDescription") return description_;
+  if (control == "cmdOK") return importCaption_;
+  if (control == "cmdCancel") return cancelCaption_;
+  if (control == "cmdBrowse") return "Browse...";
+  return {};
 }
 
 bool ImportBSplineDialog::IsEnabled(std::string_view button) const {

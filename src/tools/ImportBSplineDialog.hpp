@@ -20,7 +20,7 @@
 
 namespace TessarkAO {
 
-class ImportBSplineDialog final : public ModalDialog {
+class ImportBSplineDialog final : public ModalDialog, public FileChoiceForm {
  public:
   // The ValidateFile event: receives the chosen file name (which it may
   // change) and answers whether Import may be pressed.
@@ -39,14 +39,19 @@ class ImportBSplineDialog final : public ModalDialog {
   bool IsEnabled(std::string_view button) const override;
   bool Press(std::string_view button) override;
   void CloseByControl() override { accepted_ = false; }
+  FileChoiceForm* AsFileChoice() override { return this; }
+
+  // FileChoiceForm.
+  std::string Caption(std::string_view control) const override;
+  FormFont Font() const override { return font_; }
+  std::string ChosenFile() const override { return fileName_; }
 
  private:
   void Browse();
 
   ValidateFile validate_;
   std::string caption_, frameCaption_, description_, importCaption_, cancelCaption_, filter_;
-  std::string fontName_;
-  std::string fontSize_;
+  FormFont font_;
   std::string fileName_;      // the text box and the chosen name
   bool importEnabled_ = false;
   bool accepted_ = false;

@@ -14,7 +14,11 @@ constexpr std::int32_t kNotInstalled = 116;
 }  // namespace
 
 void TKExports::Describe(ClassBuilder<TKExports>& b) {
-  b.Method<&TKExports::ExportBOMToExcel>("ExportBOMToExcel", Names{"BOMData"});
+  b.Method<&TKExports::ExportBOMToExcel>(
+      "ExportBOMToExcel", Names{"BOMData"},
+      Doc{"Writes the table BOMData to a new spreadsheet workbook saved under BOMData.Filename. When no "
+          "spreadsheet application can be created the user is told and nothing else happens; other failures "
+          "are raised."});
 }
 
 std::string TKExports::GetCellAddress(std::int32_t row, std::int32_t column) {

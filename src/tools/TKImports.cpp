@@ -31,7 +31,11 @@ constexpr std::int32_t kLengthUnits = 2;
 }  // namespace
 
 void TKImports::Describe(ClassBuilder<TKImports>& b) {
-  b.Method<&TKImports::ImportBSpline>("ImportBSpline", Names{"objApplication"});
+  b.Method<&TKImports::ImportBSpline>(
+      "ImportBSpline", Names{"objApplication"},
+      Doc{"Asks for a file of fit points (the import dialog) and adds a B-spline path through them to the "
+          "selected shape of objApplication's active scene; failures are told to the user in message "
+          "boxes."});
 }
 
 void TKImports::Message(std::string_view text, std::int32_t style) {

@@ -12,8 +12,10 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
 #include "frame/Globals.hpp"
+#include "host/HostAccess.hpp"
 #include "refhost/RefHost.hpp"
 #include "TestSupport.hpp"
+#include "frame/Conventions.hpp"
 
 using namespace TessarkAO;
 
@@ -25,7 +27,7 @@ constexpr const char* kBend = "TessarkAO.TKSMBendShape";
 constexpr const char* kForm = "TessarkAO.TKSMFormingShape";
 constexpr const char* kCurved = "TessarkAO.TKSMCurvedStockShape";
 constexpr const char* kConic = "TessarkAO.TKSMConicShape";
-const double kQuarterTurn = 3.14159265358979 / 180 * 90;
+const double kQuarterTurn = kPi / 180 * 90;
 
 // A fresh scene with the host's journal on.
 struct Scene : ::testing::Test {
@@ -149,7 +151,7 @@ TEST(Builders, RefusedValues) {
   } bad[] = {{&form, "Depth", 0.0},         {&form, "PunchRadius", -0.1},
              {&form, "DieRadius", -1e-300}, {&form, "Direction", 3},
              {&form, "Direction", 0},       {&curved, "Radius", 0.0},
-             {&curved, "SweepAngle", 0.0},  {&curved, "SweepAngle", 2 * 3.14159265358979},
+             {&curved, "SweepAngle", 0.0},  {&curved, "SweepAngle", 2 * kPi},
              {&curved, "Width", -1.0},      {&curved, "Thickness", 0.0},
              {&conic, "TopRadius", -0.5},   {&conic, "Height", 0.0},
              {&conic, "Thickness", -0.1}};
@@ -331,10 +333,10 @@ TEST_F(Scene, CurvedStockArcGeometry) {
     EXPECT_EQ(sx, r);
     EXPECT_EQ(sy, 0.0);
     EXPECT_NEAR(std::hypot(ex, ey), r, 1e-12 * r);
-    EXPECT_NEAR(std::atan2(-ey, -ex) + 3.14159265358979, a, 1e-9);
+    EXPECT_NEAR(std::atan2(-ey, -ex) + kPi, a, 1e-9);
     const double halfChord = std::hypot(ex - sx, ey - sy) / 2;
     const double apart = std::sqrt(std::max(0.0, r * r - halfChord * halfChord));
-    const double height = a <= 3.14159265358979 ? r - apart : r + apart;  // a major arc passes the centre
+    const double height = a <= kPi ? r - apart : r + apart;  // a major arc passes the centre
     EXPECT_NEAR(h, height / halfChord, 1e-7 * std::max(1.0, h)) << "r=" << r << " a=" << a;
     EXPECT_GT(h, 0.0);  // counter-clockwise
   }
@@ -359,9 +361,9 @@ TEST_F(Scene, ConicSendsItsNamedParameters) {
   // The parameters were reached through the variable list, by name.
   EXPECT_FALSE(Actions("Variables.Item(3&)").empty());
   const Variant stock = shape.Get("Components", 63).Call("Item", 1);
-  EXPECT_EQ(ToDouble(Globals::FindHostVariable(stock, "bottom RADIUS").Get("Value")), 2.5);
-  EXPECT_TRUE(Globals::FindHostVariable(stock, "Bottom").IsNothing());
-  EXPECT_TRUE(Globals::FindHostVariable(stock, "").IsNothing());
+  EXPECT_EQ(ToDouble(Host::FindVariable(stock, "bottom RADIUS").Get("Value")), 2.5);
+  EXPECT_TRUE(Host::FindVariable(stock, "Bottom").IsNothing());
+  EXPECT_TRUE(Host::FindVariable(stock, "").IsNothing());
   RefHost::ClearJournal();
   b.Call("Finish");
   EXPECT_EQ(Actions(), FinishCalls("Scene1//Part//Sheet Metal", 1));

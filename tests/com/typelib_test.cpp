@@ -20,7 +20,7 @@ class Sample final : public Dispatch<Sample> {
   static constexpr std::string_view kClassName = "Sample";
   static void Describe(ClassBuilder<Sample>& b) {
     b.Property<&Sample::GetX, &Sample::LetX>("X")
-        .Method<&Sample::GetPosition>("GetPosition", Names{"dblX", "dblY"})
+        .Method<&Sample::GetPosition>("GetPosition", Names{"dblX", "dblY"}, Out<1, 2>{})
         .Method<&Sample::Sum>("Sum", Names{"a", "b"}, Opt{Variant(std::int32_t{10})})
         .Method<&Sample::Scale>("Scale", Names{"factor"}, Opt{Variant(0.5)})
         .Method<&Sample::Seen>("Seen", Names{"v"}, Opt{Variant::Missing()})
@@ -117,6 +117,11 @@ TEST(TypeLibraryWriter, EveryServedClassAppearsOnceWithItsInterface) {
     for (const MemberInfo& m : c.info->Members())
       EXPECT_TRUE(Has(idl, " " + IdlIdentifier(m.name) + "(")) << c.record->name << "." << m.name;
   }
+  // The interfaces' enumerations, with their constants' values, and the members' help strings.
+  EXPECT_TRUE(Has(idl, "enum TKColumnTypes {\n    TKColumnType_None = 0,\n    TKColumnType_Double = 1,\n"
+                       "    TKColumnType_Object = 2,\n    TKColumnType_String = 3\n  } TKColumnTypes;"));
+  EXPECT_TRUE(Has(idl, "TKTOOL_BEARINGS = 12\n"));
+  EXPECT_TRUE(Has(idl, "propget, helpstring(\"The number of columns.\")] long NumberOfColumns("));
 }
 
 TEST(StringTableScript, EveryEntryQuotedForTheResourceCompiler) {

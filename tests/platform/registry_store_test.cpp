@@ -64,8 +64,8 @@ TEST_F(RegistryStoreTest, MissingFileIsAnEmptyStoreCreatedOnFirstWrite) {
   std::uint32_t size = 0;
   EXPECT_EQ(store->QueryValue(kHkeyLocalMachine, "", nullptr, nullptr, &size), WinError::FileNotFound);
   std::string text;
-  EXPECT_EQ(store->ExportRegText(0, "", text), 0);
-  EXPECT_EQ(text, kRegFileHeader);
+  EXPECT_EQ(store->ExportRegText(0, "", text, RegFileFormat::Regedit4), 0);
+  EXPECT_EQ(text, "REGEDIT4\r\n");
   EXPECT_EQ(store->ExportRegText(kHkeyCurrentUser, "SOFTWARE", text), WinError::FileNotFound);
   std::string name;
   EXPECT_EQ(store->EnumKey(kHkeyCurrentUser, 0, name), WinError::NoMoreItems);
@@ -121,7 +121,7 @@ TEST_F(RegistryStoreTest, NamesAreCaseInsensitiveAndKeepTheirFirstSpelling) {
   std::vector<std::uint8_t> bytes;
   ASSERT_EQ(store_->EnumValue(h, 0, name, &type, &bytes), 0);
   EXPECT_EQ(name, "LastRunProductName");
-  EXPECT_EQ(bytes, Bytes("X"));
+  EXPECT_EQ(bytes, Bytes(std::string_view("X\0", 2)));  // stored with the NUL after it
   EXPECT_EQ(store_->EnumValue(h, 1, name, &type, &bytes), WinError::NoMoreItems);
 
   // Creating a key spelled otherwise opens the existing one.
@@ -142,7 +142,9 @@ TEST_F(RegistryStoreTest, NamesAreCaseInsensitiveAndKeepTheirFirstSpelling) {
 TEST_F(RegistryStoreTest, DataIsKeptAsWritten) {
   const RegHandle k = Create(kHkeyCurrentUser, "T");
   Put(k, "", RegType::String, std::string_view("default\0", 8));  // the key's default value
-  Put(k, "raw", RegType::String, "abc");                           // no terminating NUL
+  Put(k, "raw", RegType::String, std::string_view("abcd", 3));     // no terminating NUL
+  // Counted without the NUL that follows it: stored with it, as NT does.
+  Put(k, "counted", RegType::String, "abc");
   Put(k, "empty", RegType::String, "");
   Put(k, "bin", RegType::Binary, std::string_view("\0\1\2\xff", 4));
   Put(k, "odd", 0x1234, "?");
@@ -169,6 +171,8 @@ TEST_F(RegistryStoreTest, DataIsKeptAsWritten) {
   EXPECT_EQ(buf[3], 0);
 
   std::string data;
+  ASSERT_EQ(Get(k, "counted", type, data), 0);
+  EXPECT_EQ(data, std::string("abc\0", 4));
   ASSERT_EQ(Get(k, "", type, data), 0);
   EXPECT_EQ(data, std::string("default\0", 8));
   ASSERT_EQ(Get(k, "empty", type, data), 0);
@@ -260,7 +264,7 @@ TEST_F(RegistryStoreTest, ChangesByAnotherProcessAreSeenAtOnce) {
 
   ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, r), 0);
   ASSERT_EQ(Get(r, "v", type, data), 0);
-  EXPECT_EQ(data, "second");
+  EXPECT_EQ(data, std::string("second\0", 7));
   std::string name;
   ASSERT_EQ(store_->EnumValue(r, 0, name, nullptr, nullptr), 0);
   // The handle opened before the key was deleted no longer writes anywhere.
@@ -284,16 +288,16 @@ TEST_F(RegistryStoreTest, ChangesByAnotherProcessAreSeenAtOnce) {
   ASSERT_EQ(other->SetValue(ow, "v", RegType::String, reinterpret_cast<const std::uint8_t*>("much longer"), 11), 0);
   std::vector<std::uint8_t> buf(size);
   ASSERT_EQ(store_->QueryValue(w, "v", &type, buf.data(), &size), 0);
-  EXPECT_EQ(std::string(buf.begin(), buf.end()), "short");
+  EXPECT_EQ(std::string(buf.begin(), buf.end()), std::string("short\0", 6));
   ASSERT_EQ(Get(w, "v", type, data), 0);  // a fresh read sees the new value
-  EXPECT_EQ(data, "much longer");
+  EXPECT_EQ(data, std::string("much longer\0", 12));
   // A write through this store drops what a size query kept.
   ASSERT_EQ(store_->QueryValue(w, "v", &type, nullptr, &size), 0);
   Put(w, "v", RegType::String, "x");
   std::uint8_t big[32];
   size = sizeof big;
   ASSERT_EQ(store_->QueryValue(w, "v", &type, big, &size), 0);
-  EXPECT_EQ(size, 1u);
+  EXPECT_EQ(size, 2u);
 }
 
 TEST_F(RegistryStoreTest, RegFilesRoundTripByteForByte) {
@@ -301,14 +305,14 @@ TEST_F(RegistryStoreTest, RegFilesRoundTripByteForByte) {
   Put(k, "LastRunProductName", RegType::String, std::string_view("TESSARK\0", 8));
   Put(k, "", RegType::String, std::string_view("quote \" and \\ back\0", 19));
   Put(k, "Count", RegType::Dword, std::string_view("\x0c\0\0\0", 4));
-  Put(k, "Unterminated", RegType::String, "abc");
+  Put(k, "Unterminated", RegType::String, std::string_view("abcd", 3));
   Put(k, "Lines", RegType::String, std::string_view("a\r\nb\0", 5));
   Put(k, "Long", RegType::Binary, std::string(100, '\x5a'));
   Put(k, "Short dword", RegType::Dword, "\x01");
   Create(kHkeyLocalMachine, "SOFTWARE\\Empty");
 
   std::string text;
-  ASSERT_EQ(store_->ExportRegText(0, "", text), 0);
+  ASSERT_EQ(store_->ExportRegText(0, "", text, RegFileFormat::Regedit4), 0);
   EXPECT_EQ(text.rfind("REGEDIT4\r\n", 0), 0u);
   EXPECT_NE(text.find("[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\VelloraSuite\\AddOns]\r\n"), std::string::npos);
   EXPECT_NE(text.find("\"LastRunProductName\"=\"TESSARK\"\r\n"), std::string::npos);
@@ -319,21 +323,84 @@ TEST_F(RegistryStoreTest, RegFilesRoundTripByteForByte) {
   for (std::size_t pos = 0, end; (end = text.find("\r\n", pos)) != std::string::npos; pos = end + 2)
     EXPECT_LE(end - pos, 80u) << "lines are wrapped";
 
-  auto copy = OpenRegistryStore(dir_ / "copy.sqlite3");
-  ASSERT_EQ(copy->ImportRegText(text), 0) << copy->LastError();
+  // Both formats carry everything: each file imported into a fresh store
+  // exports the same again.
   std::string again;
-  ASSERT_EQ(copy->ExportRegText(0, "", again), 0);
-  EXPECT_EQ(again, text);
+  for (RegFileFormat format : {RegFileFormat::Regedit4, RegFileFormat::Version5}) {
+    std::string file;
+    ASSERT_EQ(store_->ExportRegText(0, "", file, format), 0);
+    auto copy = OpenRegistryStore(dir_ / ("copy" + std::to_string(static_cast<int>(format)) + ".sqlite3"));
+    ASSERT_EQ(copy->ImportRegText(file), 0) << copy->LastError();
+    ASSERT_EQ(copy->ExportRegText(0, "", again, RegFileFormat::Regedit4), 0);
+    EXPECT_EQ(again, text);
+  }
 
   // A subtree alone, and through a file.
   const std::string file = dir_ / "addons.reg";
-  ASSERT_EQ(store_->ExportRegFile(file, kHkeyCurrentUser, "software\\tessark\\vellorasuite"), 0);
+  ASSERT_EQ(store_->ExportRegFile(file, kHkeyCurrentUser, "software\\tessark\\vellorasuite", RegFileFormat::Regedit4), 0);
   std::ifstream in(file, std::ios::binary);
   std::string sub((std::istreambuf_iterator<char>(in)), {});
   EXPECT_NE(sub.find("AddOns]"), std::string::npos);
   EXPECT_EQ(sub.find("HKEY_LOCAL_MACHINE"), std::string::npos);
   EXPECT_EQ(store_->ExportRegText(kHkeyCurrentUser, "No\\Such", again), WinError::FileNotFound);
   EXPECT_EQ(store_->ExportRegText(0x1234, "", again), WinError::InvalidHandle);
+}
+
+// ASCII text as UTF-16LE bytes.
+std::string Widen(std::string_view ascii) {
+  std::string wide;
+  for (char c : ascii) wide.append({c, '\0'});
+  return wide;
+}
+
+// Text is UTF-8 in the store, the ANSI code page in REGEDIT4 files (strings
+// in hex included) and UTF-16LE in version 5.00 files.
+TEST_F(RegistryStoreTest, RegFileEncodings) {
+  const RegHandle k = Create(kHkeyCurrentUser, "Software\\W\xC3\xB6rld");
+  Put(k, "Text", RegType::String, "hello w\xC3\xB6rld \xE2\x82\xAC");
+  Put(k, "Multi", RegType::MultiString, std::string_view("a\0w\xC3\xB6rld\0\0", 10));
+  std::string v4, v5;
+  ASSERT_EQ(store_->ExportRegText(kHkeyCurrentUser, "Software", v4, RegFileFormat::Regedit4), 0);
+  EXPECT_NE(v4.find("[HKEY_CURRENT_USER\\Software\\W\xF6rld]\r\n\"Multi\"=hex(7):61,00,77,f6,72,6c,64,00,00\r\n"
+                    "\"Text\"=\"hello w\xF6rld \x80\"\r\n"),
+            std::string::npos)
+      << v4;
+  ASSERT_EQ(store_->ExportRegText(kHkeyCurrentUser, "Software", v5), 0);
+  EXPECT_EQ(v5.rfind("\xFF\xFE" + Widen("Windows Registry Editor Version 5.00\r\n"), 0), 0u);
+  EXPECT_NE(v5.find(Widen("\"Multi\"=hex(7):61,00,00,00,77,00,f6,00,72,00,6c,00,64,00,00,00,00,00\r\n")),
+            std::string::npos);
+  EXPECT_NE(v5.find(Widen("\"Text\"=\"hello w") + "\xF6" + std::string(1, '\0') + Widen("rld ") + "\xAC\x20" +
+                    Widen("\"\r\n")),
+            std::string::npos);
+
+  // Each file, and the version 5.00 one as UTF-8 with and without its mark,
+  // imports into a fresh store as the same values.
+  std::string utf8 = "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\W\xC3\xB6rld]\r\n"
+                     "\"Text\"=\"hello w\xC3\xB6rld \xE2\x82\xAC\"\r\n"
+                     "\"Multi\"=hex(7):61,00,00,00,77,00,f6,00,72,00,6c,00,64,00,00,00,00,00\r\n";
+  int n = 0;
+  for (const std::string& file : {v4, v5, utf8, "\xEF\xBB\xBF" + utf8}) {
+    auto copy = OpenRegistryStore(dir_ / ("enc" + std::to_string(++n) + ".sqlite3"));
+    ASSERT_EQ(copy->ImportRegText(file), 0) << copy->LastError();
+    std::string again;
+    ASSERT_EQ(copy->ExportRegText(kHkeyCurrentUser, "Software", again, RegFileFormat::Regedit4), 0);
+    EXPECT_EQ(again, v4) << n;
+  }
+  // A REGEDIT4 file in another code page, when told so.
+  auto other = OpenRegistryStore(dir_ / "cp.sqlite3");
+  ASSERT_EQ(other->ImportRegText("REGEDIT4\n[HKCU\\T]\n\"v\"=\"w\xC3\xB6rld\"\n", kCodePageUtf8), 0);
+  RegHandle t = 0;
+  ASSERT_EQ(other->OpenKey(kHkeyCurrentUser, "T", RegAccess::Read, t), 0);
+  std::uint32_t size = 0;
+  ASSERT_EQ(other->QueryValue(t, "v", nullptr, nullptr, &size), 0);
+  EXPECT_EQ(size, 7u);  // "wörld" and its NUL, not "wÃ¶rld"
+  // Text the code page lacks is refused, not replaced.
+  Put(k, "Kanji", RegType::String, "\xE6\x97\xA5");
+  EXPECT_EQ(store_->ExportRegText(kHkeyCurrentUser, "Software", v4, RegFileFormat::Regedit4),
+            WinError::NoUnicodeTranslation);
+  EXPECT_NE(store_->LastError().find("\"Kanji\""), std::string::npos) << store_->LastError();
+  EXPECT_NE(store_->LastError().find("format 5"), std::string::npos);
+  EXPECT_EQ(store_->ExportRegText(kHkeyCurrentUser, "Software", v5), 0);
 }
 
 TEST_F(RegistryStoreTest, RegImportAppliesDeletionsAndIsAllOrNothing) {
@@ -347,6 +414,10 @@ TEST_F(RegistryStoreTest, RegImportAppliesDeletionsAndIsAllOrNothing) {
   std::string data;
   ASSERT_EQ(Get(x, "c", type, data), 0);
   EXPECT_EQ(data, std::string("\1\2\3\4", 4));
+  // Line breaks as Wine's registry editor writes them inside a string.
+  ASSERT_EQ(store_->ImportRegText("REGEDIT4\n[HKCU\\Software\\X]\n\"w\"=\"a\\r\\nb\\\\n\"\n"), 0);
+  ASSERT_EQ(Get(x, "w", type, data), 0);
+  EXPECT_EQ(data, std::string("a\r\nb\\n\0", 7));
 
   ASSERT_EQ(store_->ImportRegText("REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\X]\r\n\"a\"=-\r\n"
                                   "[-HKEY_CURRENT_USER\\Software\\Y]\r\n"),
@@ -361,7 +432,10 @@ TEST_F(RegistryStoreTest, RegImportAppliesDeletionsAndIsAllOrNothing) {
     const char* text;
     const char* message;
   } bad[] = {
-      {"Windows Registry Editor Version 5.00\n", "line 1"},
+      {"Windows Registry Editor Version 4.00\n", "line 1"},
+      {"\xFF\xFE" "R", "line 1: not valid UTF-16LE"},
+      {"Windows Registry Editor Version 5.00\n[HKCU\\x]\n\"\xC3\"=\"1\"\n", "line 3: not valid UTF-8"},
+      {"Windows Registry Editor Version 5.00\n[HKCU\\x]\n\"v\"=hex(1):61,00,62\n", "line 3: string data in hex must be UTF-16LE"},
       {"", "REGEDIT4"},
       {"REGEDIT4\n[HKEY_USERS\\x]\n", "line 2: unknown root key 'HKEY_USERS'"},
       {"REGEDIT4\n\"v\"=\"1\"\n", "line 2"},

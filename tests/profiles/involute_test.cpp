@@ -10,13 +10,13 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
 #include "profiles/TKInvoluteCurve.hpp"
+#include "frame/Conventions.hpp"
 
 using namespace TessarkAO;
 using namespace TessarkAO::Testing;
 
 namespace {
 
-constexpr double kPi15 = 3.14159265358979;
 
 Ref<TKInvoluteCurve> NewInvolute(double radius = 1.0) {
   Ref<TKInvoluteCurve> c = RefCast<TKInvoluteCurve>(CreateObject("TessarkAO.TKInvoluteCurve"));
@@ -49,7 +49,7 @@ std::vector<std::pair<double, double>> ModelSamples(double radius, double startA
     double x = (std::sin(t) * t + std::cos(t)) * radius;
     double y = (std::sin(t) - std::cos(t) * t) * radius;
     if (!ccw) y = -y;
-    const double r = startAngle * (180 / kPi15) * (kPi15 / 180);
+    const double r = startAngle * (180 / kPi) * (kPi / 180);
     const double c = snap(std::cos(r)), s = snap(std::sin(r));
     x = snap(x), y = snap(y);  // SetPosition cleans up too
     rows.emplace_back(snap(x * c + y * -s + 0.0 * 0.0 + 0.0 * 0.0),

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "ProfilesTestSupport.hpp"
+#include "frame/Conventions.hpp"
 
 using namespace TessarkAO;
 using namespace TessarkAO::Testing;
@@ -32,7 +33,7 @@ TEST(Profile, ShiftMovesPointsAndCentresOnly) {
   spline->LetBSplineFitPoints(1);
   spline->SetFitPoint(1, 1, 1);
   profile->ShiftProfileData(90, 10);
-  const double a = 3.14159265358979 / 180 * 90;
+  const double a = kPi / 180 * 90;
   const double dx = std::cos(a) * 10, dy = std::sin(a) * 10;
   EXPECT_NE(dx, 0.0);  // the 15-digit pi leaves a trace
   EXPECT_EQ(o->GetStartPointX(), 0.5 + dx);

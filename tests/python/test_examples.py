@@ -10,6 +10,30 @@ EXAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "examples")
 pytestmark = pytest.mark.skipif(not os.path.exists(TKTOOLS), reason="tktools was not built")
 
 
+def text_pixels(text, font):
+    """The advance of `text` in the face fontconfig picks for the cell's font,
+    at 96 pixels per inch, measured with FreeType itself."""
+    import ctypes
+
+    style = ":bold" if font.b else ""
+    style += ":italic" if font.i else ""
+    path = subprocess.run(["fc-match", "-f", "%{file}", f"{font.name}{style}"], capture_output=True, text=True).stdout
+    ft = ctypes.CDLL("libfreetype.so.6")
+    library, face = ctypes.c_void_p(), ctypes.c_void_p()
+    assert ft.FT_Init_FreeType(ctypes.byref(library)) == 0
+    assert ft.FT_New_Face(library, path.encode(), ctypes.c_long(0), ctypes.byref(face)) == 0
+    assert ft.FT_Set_Char_Size(face, ctypes.c_long(0), ctypes.c_long(round(font.sz * 64)), 96, 96) == 0
+    total = 0
+    for ch in text:
+        advance = ctypes.c_long()
+        index = ft.FT_Get_Char_Index(face, ctypes.c_ulong(ord(ch)))
+        assert ft.FT_Get_Advance(face, index, ctypes.c_int32(1 << 1), ctypes.byref(advance)) == 0  # no hinting
+        total += advance.value
+    ft.FT_Done_Face(face)
+    ft.FT_Done_FreeType(library)
+    return total / 65536
+
+
 def run(script, *args):
     r = subprocess.run([TKTOOLS, "run", os.path.join(EXAMPLES, script), *args],
                        capture_output=True, text=True, timeout=300)
@@ -18,16 +42,30 @@ def run(script, *args):
 
 
 def test_gear_tooth_builds_a_feature_and_draws_it(tmp_path):
+    import math
+
     scene = tmp_path / "scene.json"
     out = run("gear_tooth.py", "--save", str(scene), "--", str(tmp_path))
-    assert "feature 'Gear tooth' at Scene1//" in out
+    assert "feature 'Spur gear' at Scene1//" in out
     assert "closed: True" in out
     svg = ET.parse(tmp_path / "gear_tooth.svg").getroot()
-    polygon = svg.find("{http://www.w3.org/2000/svg}polygon")
-    points = polygon.get("points").split()
-    # Root, 12 points per flank, root again.
-    assert len(points) == 26
-    assert scene.exists() and "Gear tooth" in scene.read_text()
+    ns = "{http://www.w3.org/2000/svg}"
+    size = float(svg.get("width"))
+    # Every tooth (root, 12 points per flank, root, 3 points along the root
+    # circle), all around the centre, inside the tip circle.
+    base, pitch, tip = (c for c in svg.findall(ns + "circle") if c.find(ns + "title") is not None)
+    cx, cy, tip_r = float(tip.get("cx")), float(tip.get("cy")), float(tip.get("r"))
+    points = [tuple(map(float, p.split(","))) for p in svg.find(ns + "polygon").get("points").split()]
+    assert len(points) == 20 * 29
+    radii = [math.hypot(x - cx, y - cy) for x, y in points]
+    assert max(radii) <= tip_r + 0.01 and max(radii) > float(pitch.get("r")) > float(base.get("r"))
+    angles = {int(math.degrees(math.atan2(y - cy, x - cx)) // 30) for x, y in points}
+    assert len(angles) == 12  # every twelfth of the turn has teeth
+    # The circles lie inside the picture.
+    for c in (base, pitch, tip):
+        r = float(c.get("r"))
+        assert 0 < cx - r and cx + r < size and 0 < cy - r and cy + r < size
+    assert scene.exists() and "Spur gear" in scene.read_text()
 
 
 def test_bill_of_materials_is_sorted_and_exported(tmp_path):
@@ -43,6 +81,17 @@ def test_bill_of_materials_is_sorted_and_exported(tmp_path):
     types = [sheet.cell(row=r, column=1).value for r in range(2, sheet.max_row + 1)]
     assert types == sorted(types, key=str.lower)
     assert "Extrude" in types and "Part" in types
+    # Every column shows its widest text whole, measured in the cell's own
+    # font (bold headings, italic names).
+    for column in sheet.iter_cols():
+        letter = column[0].column_letter
+        width = sheet.column_dimensions[letter].width
+        shown = int(((256 * width + 128 // 7) / 256) * 7)  # the column in pixels, 7 per character
+        for cell in column:
+            if cell.value is None:
+                continue
+            text = str(cell.value) if not isinstance(cell.value, float) else f"{cell.value:g}"
+            assert shown >= text_pixels(text, cell.font), (letter, text, width)
 
 
 def test_cam_track_is_imported_as_a_closed_bspline(tmp_path):

@@ -83,6 +83,13 @@ def test_a_table_without_rows_is_still_saved(tmp_path):
     assert ws.max_row == 1 and ws["A1"].value is None
 
 
+def test_a_failing_save_says_why_once(tmp_path, capfd):
+    with pytest.raises(tk.AutomationError) as e:
+        tk.CreateObject("TessarkAO.TKExports").ExportBOMToExcel(Bom(str(tmp_path / "no" / "bom.xlsx"), [[1]]))
+    assert "bom.xlsx" in e.value.description and "No such file" in e.value.description
+    assert capfd.readouterr().err == ""  # nothing of the writer's own
+
+
 def test_column_27_is_refused_and_reaches_the_caller(tmp_path):
     path = str(tmp_path / "wide.xlsx")
     with pytest.raises(tk.AutomationError) as e:

@@ -86,7 +86,7 @@ def test_lets_assign_attributes(sample):
 def test_values_arrive_as_python_values(sample):
     h = Host()
     cases = [(1.5, "float"), (7, "int"), (True, "bool"), ("s", "str"), (None, "NoneType"), (tk.Empty, "EmptyType")]
-    cases += [(tk.Integer(1), "Integer"), (tk.Array([1.0]), "Array"), (sample, "Object"), (h, "Host")]
+    cases += [(tk.Integer(1), "Integer"), (tk.Array([1.0]), "Array"), (sample, "Sample"), (h, "Host")]
     for value, name in cases:
         assert sample.HostCall(h, "Describe", value) == name
     # What the host returns maps the same way: a list becomes an array, a

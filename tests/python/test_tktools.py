@@ -126,21 +126,31 @@ def test_reg_set_get_export_and_import(tmp_path):
     get = lambda name: tktools("reg", "get", "HKEY_CURRENT_USER\\software\\TESSARK\\tools", name, *store)
     assert [get(n).stdout for n in ("Title", "Count", "Raw", "@")] == ['say "hi"\\there\n', "42\n", "ab\n", "default\n"]
 
-    r = tktools("reg", "export", "HKCU\\Software\\Tessark", *store)
-    assert r.returncode == 0
-    lines = r.stdout.replace("\r\n", "\n").splitlines()
-    assert lines[0] == "REGEDIT4" and "[HKEY_CURRENT_USER\\Software\\Tessark\\Tools]" in lines
+    # Version 5.00 by default, as the registry editor writes it today;
+    # REGEDIT4 on request.
+    r = subprocess.run([TKTOOLS, "reg", "export", "HKCU\\Software\\Tessark", *store], capture_output=True)
+    assert r.returncode == 0 and r.stdout.startswith(b"\xff\xfe")
+    lines = r.stdout.decode("utf-16").replace("\r\n", "\n").splitlines()
+    assert lines[0] == "Windows Registry Editor Version 5.00"  # after the byte-order mark
+    assert "[HKEY_CURRENT_USER\\Software\\Tessark\\Tools]" in lines
     # Strings written by set carry their NUL and export as quoted strings;
-    # the value written without it keeps the hex(1) form.
+    # the value written without it keeps the hex(1) form, in UTF-16LE.
     assert '"Title"="say \\"hi\\"\\\\there"' in lines and '"Count"=dword:0000002a' in lines
-    assert '"Raw"=hex(1):61,62' in lines and '@="default"' in lines
+    assert '"Raw"=hex(1):61,00,62,00' in lines and '@="default"' in lines
+    v4 = tktools("reg", "export", "HKCU\\Software\\Tessark", "--format", "4", *store).stdout
+    assert v4.startswith("REGEDIT4\n") and '"Raw"=hex(1):61,62\n' in v4
 
-    # The export imported into a fresh store gives the same export.
+    # Each export imported into a fresh store (one of them through standard
+    # input) gives the same export.
     exported = tmp_path / "tools.reg"
-    exported.write_text(r.stdout)
+    exported.write_bytes(r.stdout)
     other = ["--registry", str(tmp_path / "other.sqlite3")]
     assert tktools("reg", "import", str(exported), *other).returncode == 0
-    assert tktools("reg", "export", "HKCU\\Software\\Tessark", *other).stdout == r.stdout
+    assert subprocess.run([TKTOOLS, "reg", "export", "HKCU\\Software\\Tessark", *other], capture_output=True).stdout == r.stdout
+    third = ["--registry", str(tmp_path / "third.sqlite3")]
+    i = subprocess.run([TKTOOLS, "reg", "import", "-", *third], input=v4.encode("cp1252"), capture_output=True)
+    assert i.returncode == 0, i.stderr
+    assert tktools("reg", "export", "HKCU\\Software\\Tessark", "--format=4", *third).stdout == v4
 
     # A broken file changes nothing and names its line.
     bad = write(tmp_path / "bad.reg", "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Tessark\\Tools]\n\"New\"=\"x\"\n\"Count\"=dword:zz\n")
@@ -162,12 +172,23 @@ def test_reg_set_get_export_and_import(tmp_path):
         (["reg", "get", "HKCU\\Nowhere", "v"], 1, "tktools reg: no key HKCU\\Nowhere"),
         (["reg", "export", "HKCU\\Nowhere"], 1, "tktools reg: no key HKCU\\Nowhere"),
         (["reg", "import", "/nonexistent.reg"], 1, "tktools reg: the registry store answered"),
+        (["reg", "export", "--format", "3"], 2, "tktools reg: --format is 4 (REGEDIT4) or 5"),
+        (["reg", "export", "--codepage", "1252"], 2, "tktools reg: --codepage goes with --format 4"),
+        (["reg", "import", "x.reg", "--codepage", "99999"], 2, "tktools reg: code page 99999 is not known here"),
     ],
 )
 def test_reg_wrong_calls(tmp_path, args, status, reason):
     r = tktools(*args, "--registry", str(tmp_path / "reg.sqlite3"))
     assert r.returncode == status
     assert len(r.stderr.splitlines()) == 1 and r.stderr.startswith(reason), r.stderr
+
+
+def test_version_and_import_bspline_needs_somewhere_to_save(tmp_path):
+    r = tktools("--version")
+    assert r.returncode == 0 and r.stdout.startswith("tktools (TessarkAO) 1.")
+    points = write(tmp_path / "points.txt", "0 0\n1 1\n")
+    r = tktools("import-bspline", points, "--scene", scene_with_pages(tmp_path), "--select", "Plate")
+    assert r.returncode == 2 and "--save OUT.json is needed" in r.stderr
 
 
 def test_import_bspline_into_a_scene_file(tmp_path):
@@ -185,27 +206,78 @@ def test_import_bspline_into_a_scene_file(tmp_path):
     assert bracket["name"] == "Bracket" and len(paths) == 1
     assert paths[0]["curves"][0]["fitPoints"] == [[0.0, 0.0], [10.0, 5.0], [20.0, 0.0], [30.0, -5.0]]
     # The messages the dialog shows are echoed; the last line is the reason.
-    r = tktools("import-bspline", write(tmp_path / "none.txt", "a b c\n"), "--scene", scene, "--select", "Plate")
+    # The points from standard input, the scene to standard output.
+    r = subprocess.run([TKTOOLS, "import-bspline", "-", "--scene", scene, "--select", "Plate", "--save", "-"],
+                       input="1 2\n3 4\n5 6\n", capture_output=True, text=True)
+    assert r.returncode == 0 and json.loads(r.stdout)["format"] == "tessarkao-scene"
+    r = tktools("import-bspline", write(tmp_path / "none.txt", "a b c\n"), "--scene", scene, "--select", "Plate", "--save", out)
     assert r.returncode == 1
     assert r.stderr.splitlines()[-1] == "tktools import-bspline: The file does not contain valid B-Spline point data."
-    r = tktools("import-bspline", points, "--scene", scene, "--select", "Nothing")
+    r = tktools("import-bspline", points, "--scene", scene, "--select", "Nothing", "--save", out)
     assert r.returncode == 1 and "no shape 'Nothing'" in r.stderr
 
 
 def test_export_bom_from_csv(tmp_path):
     import openpyxl
 
-    csv = write(tmp_path / "bom.csv", 'Item,Qty,Description\n1,4,"Bolt, M8 x 40"\n2,12.5,"Washer ""A"""\n')
-    out = tmp_path / "bom.xlsx"
-    r = tktools("export-bom", csv, str(out))
+    csv = 'Item,Qty,Description\n1,4,"Bolt, M8 x 40"\n007,12.5,"Washer ""A"""\n+1,0.5,1e3\n'
+    # Read from standard input, saved under exactly the name given.
+    out = tmp_path / "bom"
+    r = subprocess.run([TKTOOLS, "export-bom", "-", str(out)], input=csv, capture_output=True, text=True)
     assert (r.returncode, r.stderr) == (0, "")
-    ws = openpyxl.load_workbook(out).worksheets[0]
+    assert sorted(p.name for p in tmp_path.iterdir()) == ["bom"]
+    with open(out, "rb") as f:  # openpyxl goes by the extension of a name
+        ws = openpyxl.load_workbook(f).worksheets[0]
     assert [[c.value for c in row] for row in ws.iter_rows()] == [
         ["Item", "Qty", "Description"],
         [1, 4, "Bolt, M8 x 40"],
-        [2, 12.5, 'Washer "A"'],
+        ["007", 12.5, 'Washer "A"'],
+        ["+1", 0.5, 1000],
     ]
     assert ws["A1"].font.b and not ws["A2"].font.b
+    # To standard output; a failing save is one line of the command's own.
+    r = subprocess.run([TKTOOLS, "export-bom", "-", "-"], input=csv.encode(), capture_output=True)
+    assert r.returncode == 0 and r.stdout.startswith(b"PK")
+    r = tktools("export-bom", write(tmp_path / "bom.csv", csv), str(tmp_path / "no" / "such.xlsx"))
+    assert r.returncode == 1 and len(r.stderr.splitlines()) == 1 and "[ERROR]" not in r.stderr, r.stderr
     wide = write(tmp_path / "wide.csv", ",".join(str(i) for i in range(27)) + "\n")
     r = tktools("export-bom", wide, str(tmp_path / "wide.xlsx"))
     assert r.returncode == 1 and "at most 26 columns" in r.stderr
+
+
+STORE_SESSION = r"""
+import sys
+import tessarkao as tk
+tk.ui.screen = (1920, 1080)
+d = tk.CreateObject("TessarkAO.DialogUtils")
+u = tk.CreateObject("TessarkAO.TKSystemUtils")
+if sys.argv[1] == "write":
+    d.SetStartPosition(6, 1234, 567)
+    u.SetRegistryStringValue(3, "Software\\TessarkAO\\Test", "Text", "abc")
+else:
+    x, y, text = tk.Ref(0), tk.Ref(0), tk.Ref("")
+    d.GetStartPosition(6, x, y)
+    print(x.value, y.value, u.ReadRegistryStringValue(3, "Software\\TessarkAO\\Test", "Text", text), text.value)
+"""
+
+
+def test_a_copy_of_the_store_file_alone_holds_every_committed_value(tmp_path):
+    import shutil
+    import sys
+
+    store = tmp_path / "registry.sqlite3"
+    env = dict(os.environ, TESSARKAO_REGISTRY=str(store))
+    session = lambda action, e: subprocess.run(
+        [sys.executable, "-c", STORE_SESSION, action], capture_output=True, text=True, env=e, timeout=120
+    )
+    assert session("write", env).returncode == 0
+    r = subprocess.run([TKTOOLS, "reg", "set", "HKCU\\Software\\TessarkAO\\Test", "Cli", "from the shell"], env=env)
+    assert r.returncode == 0
+    copy = tmp_path / "copy" / "registry.sqlite3"
+    copy.parent.mkdir()
+    shutil.copy(store, copy)  # the main file only, as a backup would take it
+    r = session("read", dict(os.environ, TESSARKAO_REGISTRY=str(copy)))
+    # Positions and strings read back whole, as on Windows.
+    assert r.stdout == "1234 567 0 abc\n", r.stderr
+    r = tktools("reg", "get", "HKCU\\Software\\TessarkAO\\Test", "Cli", "--registry", str(copy))
+    assert r.stdout == "from the shell\n"

@@ -5,47 +5,6 @@
 using namespace TessarkAO;
 using namespace TessarkAO::RefHostTest;
 
-namespace {
-
-// The library's parent search, kept literally as a model: it finds a shape's
-// parent by tagging the shape and looking for it among the grandparent's
-// grandchildren.  It works only if Parent, the studio marker, Page.Shape and
-// the containers behave as the host's do.
-Variant FindChildContainerModel(const Variant& shape) {
-  const std::int32_t type = ToLong(shape.Get("Type"));
-  if (type != 1 && type != 3) return Variant::Nothing();
-  return Comp(shape, type == 3 ? 23 : 2);
-}
-
-Variant FindShapeParentModel(const Variant& shape) {
-  const std::string saved = ToString(shape.Get("Name"));
-  const std::int32_t id = ToLong(shape.Get("SystemID"));
-  const std::string tag = "TKUTIL@45296123";
-  shape.Let("Name", tag);
-  Variant p = shape.Get("Parent");
-  Variant result = Variant::Nothing();
-  if (ToLong(p.Get("Components", 18).Get("Count")) != 0) {
-    result = p.Get("Page").Get("Shape");
-  } else {
-    p = p.Get("Parent");
-    Variant c = FindChildContainerModel(p);
-    for (std::int32_t i = 1; i <= ToLong(c.Get("Shapes").Get("Count")); ++i) {
-      Variant s = c.Get("Shapes").Call("Item", i);
-      const std::int32_t t = ToLong(s.Get("Type"));
-      if (t != 1 && t != 3) continue;
-      Variant cc = FindChildContainerModel(s);
-      for (std::int32_t j = 1; j <= ToLong(cc.Get("Shapes").Get("Count")); ++j) {
-        Variant k = cc.Get("Shapes").Call("Item", j);
-        if (ToLong(k.Get("SystemID")) == id && ToString(k.Get("Name")) == tag) result = s;
-      }
-    }
-  }
-  shape.Let("Name", saved);
-  return result;
-}
-
-}  // namespace
-
 TEST(Model, ANewSceneAndTheShapesAddedToIt) {
   Variant app(RefHost::NewApplication());
   EXPECT_EQ(ToLong(app.Get("Pages").Get("Count")), 1);
@@ -89,20 +48,6 @@ TEST(Model, ANewSceneAndTheShapesAddedToIt) {
   for (int i = 0; i < 1000; ++i) deep = AddShape(deep, 1);
   EXPECT_EQ(ErrorOf([&] { AddShape(deep, 1); }), 5);
   EXPECT_EQ(ErrorOf([&] { shapes.Call("Item", 0); }), 9);
-}
-
-TEST(Model, TheLibrarysParentSearchFindsEveryParentInRandomScenes) {
-  for (unsigned seed = 1; seed <= 4; ++seed) {
-    std::mt19937 rng(seed);
-    RandomScene s = MakeRandomScene(rng, 50, false);
-    // Shapes share names on purpose: the search must still tell them apart.
-    for (std::size_t i = 0; i < s.shapes.size(); ++i) s.shapes[i].Let("Name", i % 2 ? "Twin" : "Other");
-    for (std::size_t i = 0; i < s.shapes.size(); ++i) {
-      Variant found = FindShapeParentModel(s.shapes[i]);
-      EXPECT_TRUE(SameValue(found, s.parents[i])) << "seed " << seed << " shape " << i;
-      EXPECT_EQ(ToString(s.shapes[i].Get("Name")), i % 2 ? "Twin" : "Other");
-    }
-  }
 }
 
 TEST(Model, ComponentsAndVariablesByNumber) {

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "RefHostTestSupport.hpp"
+#include "frame/Conventions.hpp"
 
 using namespace TessarkAO;
 using namespace TessarkAO::RefHostTest;
@@ -145,7 +146,7 @@ TEST(Placement, ShiftAndRotate) {
 TEST(Placement, AxisAngleConversionIsExactAtTheSpecialAngles) {
   std::mt19937 rng(3);
   std::uniform_real_distribution<double> u(-1.0, 1.0);
-  const double angles[] = {0.0, 1e-9, 0.3, 3.14159265358979, 3.141592653589793, 3.14159265, 6.0, -2.0};
+  const double angles[] = {0.0, 1e-9, 0.3, kPi, 3.141592653589793, 3.14159265, 6.0, -2.0};
   for (double a : angles) {
     for (int k = 0; k < 50; ++k) {
       const Mat3 r = Rot(u(rng), u(rng), u(rng), a);

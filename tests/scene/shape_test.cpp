@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "SceneTestSupport.hpp"
+#include "frame/Conventions.hpp"
 
 using namespace TessarkAO;
 using namespace TessarkAO::SceneTest;
@@ -118,7 +119,7 @@ TEST_F(Shapes, PositionTransformIsTheTurnThenTheMove) {
   // The page's degree goes through the library's degree, then the turn for
   // row vectors about the unit axis (1, 2, 2) / 3; row 3 holds the point.
   const double degrees = 40 * ToDouble(Page(app).Get("UnitsScale", 1)) / 0.017453292519943278;
-  const double r = degrees * (3.14159265358979 / 180), co = std::cos(r), s = std::sin(r), t = 1 - co;
+  const double r = degrees * (kPi / 180), co = std::cos(r), s = std::sin(r), t = 1 - co;
   const double x = 1.0 / 3, y = 2.0 / 3, z = 2.0 / 3;
   const double expected[4][4] = {{x * x + (1 - x * x) * co, x * y * t + s * z, x * z * t - s * y, 0},
                                  {x * y * t - s * z, y * y + (1 - y * y) * co, y * z * t + s * x, 0},

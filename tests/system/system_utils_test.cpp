@@ -113,14 +113,15 @@ TEST_F(SystemUtilsTest, WritesReportSuccessWhateverHappens) {
   // Root 0 writes nothing and still reports 0.
   EXPECT_EQ(ToLong(Method(sys_, "SetRegistryStringValue", {0, "Software\\W", "S", "x"}).result), 0);
 
-  // The string went in without its NUL, the number as a 4-byte dword.
+  // The string went in counted without its NUL and was stored with the NUL
+  // after it, as NT does; the number as a 4-byte dword.
   RegistryStore& reg = GetRegistry();
   RegHandle h = 0;
   ASSERT_EQ(reg.OpenKey(kHkeyCurrentUser, "Software\\W", RegAccess::Read, h), 0);
   std::uint32_t type = 0, size = 0;
   ASSERT_EQ(reg.QueryValue(h, "S", &type, nullptr, &size), 0);
   EXPECT_EQ(type, RegType::String);
-  EXPECT_EQ(size, 7u);
+  EXPECT_EQ(size, 8u);
   ASSERT_EQ(reg.OpenKey(kHkeyLocalMachine, "Software\\W", RegAccess::Read, h), 0);
   std::int32_t n = 0;
   size = 4;
@@ -128,12 +129,12 @@ TEST_F(SystemUtilsTest, WritesReportSuccessWhateverHappens) {
   EXPECT_EQ(type, RegType::Dword);
   EXPECT_EQ(n, -5);
 
-  // Read back through the library: the number whole, the string one
-  // character short (see ReadRegistryEntry), trimmed.
+  // Read back through the library: the number whole, the string whole and
+  // trimmed.
   auto c = Method(sys_, "ReadRegistryLongValue", {2, "Software\\W", "N", 0});
   EXPECT_EQ(ToLong(c.args[3]), -5);
   c = Method(sys_, "ReadRegistryStringValue", {3, "Software\\W", "S", ""});
-  EXPECT_EQ(c.args[3].AsString(), "hell");
+  EXPECT_EQ(c.args[3].AsString(), "hello");
 
   // Other value types write nothing.
   Registry::WriteRegistryEntry(Registry::MapRegistryRoot(3), "Software\\W", 3, "Bin", Variant("x"));

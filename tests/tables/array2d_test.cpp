@@ -72,7 +72,7 @@ class ForeignTable final : public Dispatch<ForeignTable> {
  public:
   static constexpr std::string_view kClassName = "ForeignTable";
   static void Describe(ClassBuilder<ForeignTable>& b) {
-    b.Get<&ForeignTable::Rows>("Rows").Get<&ForeignTable::Columns>("Columns").Method<&ForeignTable::GetValue>("GetValue");
+    b.Get<&ForeignTable::Rows>("Rows").Get<&ForeignTable::Columns>("Columns").Method<&ForeignTable::GetValue>("GetValue", Out<1, 2>{});
   }
   std::int32_t Rows() const { return 2; }
   std::int32_t Columns() const { return 3; }

@@ -92,17 +92,18 @@ TEST_F(DialogSettings, StartPositionFallbacks) {
 }
 
 TEST_F(DialogSettings, SetStartPositionWritesOnlyTheUserKey) {
-  Variant args[] = {Variant(std::int32_t{DLG_HELIX}), Variant(std::int32_t{300}), Variant(std::int32_t{-40})};
+  Variant args[] = {Variant(std::int32_t{DLG_SPURGEAR}), Variant(std::int32_t{1234}), Variant(std::int32_t{567})};
   utils_->Invoke("SetStartPosition", CallKind::Method, args);
-  // Written as the characters without a terminating NUL, and read back by a
-  // read that counts a NUL: the last digit is lost, as it always was.
-  EXPECT_EQ(Position(DLG_HELIX), std::make_pair(30, -4));
+  // Written as the characters alone, stored with the NUL that follows them
+  // (as NT stores them), and so read back whole.
+  EXPECT_EQ(Position(DLG_SPURGEAR), std::make_pair(1234, 567));
   std::string text;
-  ASSERT_EQ(GetRegistry().ExportRegText(kHkeyCurrentUser, "Software\\Tessark\\TESSARK 6.0\\Tool Settings\\Helix", text), 0);
-  EXPECT_NE(text.find("\"PosX\"=hex(1):33,30,30\r\n"), std::string::npos) << text;  // "300"
-  EXPECT_NE(text.find("\"PosY\"=hex(1):2d,34,30\r\n"), std::string::npos) << text;  // "-40"
-  ASSERT_EQ(GetRegistry().ExportRegText(kHkeyLocalMachine, "", text), 0);
-  EXPECT_EQ(text.find("33,30,30"), std::string::npos) << text;
+  ASSERT_EQ(GetRegistry().ExportRegText(kHkeyCurrentUser, "Software\\Tessark\\TESSARK 6.0\\Tool Settings\\Spur Gear",
+                                        text, RegFileFormat::Regedit4),
+            0);
+  EXPECT_NE(text.find("\"PosX\"=\"1234\"\r\n\"PosY\"=\"567\"\r\n"), std::string::npos) << text;
+  ASSERT_EQ(GetRegistry().ExportRegText(kHkeyLocalMachine, "", text, RegFileFormat::Regedit4), 0);
+  EXPECT_EQ(text.find("1234"), std::string::npos) << text;
   // An identifier outside 1 to 12 writes nothing anywhere.
   std::string before, after;
   GetRegistry().ExportRegText(0, "", before);

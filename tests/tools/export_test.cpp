@@ -26,10 +26,10 @@ class Bom final : public Dispatch<Bom> {
         .Get<&Bom::Flags>("Flags")
         .Get<&Bom::Rows>("Rows")
         .Get<&Bom::Columns>("Columns")
-        .Method<&Bom::GetCellData>("GetCellData")
-        .Method<&Bom::GetFontName>("GetFontName")
-        .Method<&Bom::GetFontSize>("GetFontSize")
-        .Method<&Bom::GetFontFormat>("GetFontFormat");
+        .Method<&Bom::GetCellData>("GetCellData", Out<1, 2>{})
+        .Method<&Bom::GetFontName>("GetFontName", Out<1, 2>{})
+        .Method<&Bom::GetFontSize>("GetFontSize", Out<1, 2>{})
+        .Method<&Bom::GetFontFormat>("GetFontFormat", Out<1, 2>{});
   }
   Bom(std::string file, std::int32_t rows, std::int32_t cols) : file_(std::move(file)), rows_(rows), cols_(cols) {}
   std::string Filename() { return file_; }

@@ -12,12 +12,18 @@
 
 #include "platform/Spreadsheet.hpp"
 
+#include <fontconfig/fontconfig.h>
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_ADVANCES_H
+#include <unistd.h>
 #include <xlsxwriter.h>
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <mutex>
 #include <string>
 #include <algorithm>
 #include <tuple>
@@ -75,64 +81,122 @@ bool ParseCellAddress(std::string_view text, std::int32_t& row, std::int32_t& co
 
 namespace {
 
-// The advance of one character in digit widths of a proportional sans-serif
-// face, close to the workbook's standard font.
-double Advance(char32_t ch) noexcept {
-  if (ch >= '0' && ch <= '9') return 1.0;
-  if (ch == ' ') return 0.45;
-  if (ch < 0x80) {
-    switch (ch) {
-      case 'i': case 'j': case 'l': case '.': case ',': case ':': case ';': case '\'': case '!': case '|':
-        return 0.45;
-      case 'f': case 't': case 'r': case 'I': case '(': case ')': case '[': case ']': case '-':
-        return 0.6;
-      case 'm': case 'w': return 1.45;
-      case 'M': case 'W': case '@': return 1.65;
-      default: break;
-    }
-    if (ch >= 'A' && ch <= 'Z') return 1.2;
-    return 0.95;
-  }
-  // East Asian ideographs and full-width forms take two digit widths.
-  if ((ch >= 0x1100 && ch <= 0x115F) || (ch >= 0x2E80 && ch <= 0xA4CF) || (ch >= 0xAC00 && ch <= 0xD7A3) ||
-      (ch >= 0xF900 && ch <= 0xFAFF) || (ch >= 0xFF00 && ch <= 0xFF60) || ch >= 0x20000)
-    return 2.0;
-  return 1.0;
-}
+// Text is measured as the spreadsheet application measures it on screen:
+// the glyph advances of the cell's font (the face fontconfig picks for its
+// name, weight and slant, read by FreeType) at 96 pixels per inch, the sum
+// in whole pixels plus the cell's padding, over the digit width of the
+// workbook's standard font (7 pixels), in 1/256 of a character.
+constexpr double kScreenDpi = 96.0;
 
-bool IsMonospaced(std::string_view face) noexcept {
-  std::string lower;
-  for (char c : face) lower.push_back(static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c));
-  return lower.find("mono") != std::string::npos || lower.find("courier") != std::string::npos ||
-         lower.find("consolas") != std::string::npos || lower.find("fixed") != std::string::npos;
-}
+class TextMeasure {
+ public:
+  static TextMeasure& Get() {
+    static TextMeasure measure;
+    return measure;
+  }
+  TextMeasure(const TextMeasure&) = delete;
+  TextMeasure& operator=(const TextMeasure&) = delete;
+
+  // The text's advance in pixels; false when no face can be loaded.
+  bool Pixels(std::string_view text, std::string_view fontName, double size, bool bold, bool italic,
+              double& pixels) {
+    std::lock_guard lock(mutex_);
+    Face* face = FaceFor(std::string(fontName), bold, italic);
+    if (!face) return false;
+    if (FT_Set_Char_Size(face->face, 0, static_cast<FT_F26Dot6>(std::lround(size * 64.0)),
+                         static_cast<FT_UInt>(kScreenDpi), static_cast<FT_UInt>(kScreenDpi)) != 0)
+      return false;
+    FT_Fixed total = 0;
+    for (std::size_t i = 0; i < text.size();) {
+      const char32_t ch = NextCharacter(text, i);
+      FT_Fixed advance = 0;
+      // A character the face lacks takes the width of its missing-glyph box.
+      if (FT_Get_Advance(face->face, FT_Get_Char_Index(face->face, ch), FT_LOAD_NO_HINTING, &advance) == 0)
+        total += advance;
+      // A weight the face does not have is drawn emboldened, a pixel wider.
+      if (face->emboldened) total += 0x10000;
+    }
+    pixels = static_cast<double>(total) / 65536.0;
+    return true;
+  }
+
+ private:
+  struct Face {
+    FT_Face face = nullptr;
+    bool emboldened = false;
+  };
+
+  TextMeasure() {
+    config_ = FcInitLoadConfigAndFonts();
+    if (FT_Init_FreeType(&library_) != 0) library_ = nullptr;
+  }
+  ~TextMeasure() {
+    for (auto& [key, face] : faces_)
+      if (face.face) FT_Done_Face(face.face);
+    if (library_) FT_Done_FreeType(library_);
+    if (config_) FcConfigDestroy(config_);
+  }
+
+  static char32_t NextCharacter(std::string_view text, std::size_t& i) {
+    const unsigned char b = static_cast<unsigned char>(text[i]);
+    std::size_t n = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC0 ? 2 : 1;
+    char32_t ch = n == 4 ? b & 0x07 : n == 3 ? b & 0x0F : n == 2 ? b & 0x1F : b;
+    if (i + n > text.size()) n = 1, ch = b;  // a stray byte counts as one character
+    for (std::size_t k = 1; k < n; ++k) ch = (ch << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
+    i += n;
+    return ch;
+  }
+
+  Face* FaceFor(const std::string& name, bool bold, bool italic) {
+    const std::string key = name + (bold ? "\1b" : "\1") + (italic ? "i" : "");
+    if (auto it = faces_.find(key); it != faces_.end()) return it->second.face ? &it->second : nullptr;
+    Face& face = faces_[key];
+    if (!config_ || !library_) return nullptr;
+    FcPattern* pattern = FcPatternCreate();
+    FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(name.empty() ? "sans-serif" : name.c_str()));
+    FcPatternAddInteger(pattern, FC_WEIGHT, bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+    FcPatternAddInteger(pattern, FC_SLANT, italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+    FcConfigSubstitute(config_, pattern, FcMatchPattern);
+    FcDefaultSubstitute(pattern);
+    FcResult result = FcResultNoMatch;
+    if (FcPattern* match = FcFontMatch(config_, pattern, &result)) {
+      FcChar8* file = nullptr;
+      int index = 0;
+      FcBool embolden = FcFalse;
+      FcPatternGetInteger(match, FC_INDEX, 0, &index);
+      FcPatternGetBool(match, FC_EMBOLDEN, 0, &embolden);
+      if (FcPatternGetString(match, FC_FILE, 0, &file) == FcResultMatch && file &&
+          FT_New_Face(library_, reinterpret_cast<const char*>(file), index, &face.face) != 0)
+        face.face = nullptr;
+      face.emboldened = embolden == FcTrue;
+      FcPatternDestroy(match);
+    }
+    FcPatternDestroy(pattern);
+    return face.face ? &face : nullptr;
+  }
+
+  std::mutex mutex_;
+  FcConfig* config_ = nullptr;
+  FT_Library library_ = nullptr;
+  std::unordered_map<std::string, Face> faces_;
+};
 
 }  // namespace
 
-double FitWidth(std::string_view text, std::string_view fontName, double size, bool bold,
-                bool /*italic: slanted glyphs keep their advance*/) noexcept {
+double FitWidth(std::string_view text, std::string_view fontName, double size, bool bold, bool italic) noexcept {
+  if (text.empty()) return 0.0;
   if (!(size > 0.0) || size > 409.0) size = 11.0;
-  const bool mono = IsMonospaced(fontName);
-  double units = 0.0;
-  // Decodes UTF-8; a stray byte counts as one character.
-  for (std::size_t i = 0; i < text.size();) {
-    const unsigned char b = static_cast<unsigned char>(text[i]);
-    char32_t ch = b;
-    std::size_t n = 1;
-    if (b >= 0xF0) {
-      n = 4, ch = b & 0x07;
-    } else if (b >= 0xE0) {
-      n = 3, ch = b & 0x0F;
-    } else if (b >= 0xC0) {
-      n = 2, ch = b & 0x1F;
+  double pixels = 0.0;
+  try {
+    if (!TextMeasure::Get().Pixels(text, fontName, size, bold, italic, pixels)) {
+      // No font on the machine at all: an average character of 0.6 em.
+      std::size_t characters = 0;
+      for (char c : text) characters += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+      pixels = static_cast<double>(characters) * 0.6 * size * kScreenDpi / 72.0;
     }
-    if (i + n > text.size()) n = 1, ch = b;
-    for (std::size_t k = 1; k < n; ++k) ch = (ch << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
-    i += n;
-    units += mono ? (Advance(ch) >= 2.0 ? 2.3 : 1.15) : Advance(ch);
+  } catch (...) {
+    return kStandardWidth;  // out of memory while caching a face
   }
-  if (units == 0.0) return 0.0;
-  const double pixels = units * kDigitPixels * (size / 11.0) * (bold ? 1.08 : 1.0);
   const double width = std::floor((std::ceil(pixels) + kPaddingPixels) / kDigitPixels * 256.0) / 256.0;
   return std::min(width, kMaxWidth);
 }
@@ -158,18 +222,9 @@ struct Cell {
 // A date serial (days since 1899-12-30) as the yyyy-mm-dd its cell shows.
 std::string DateText(double serial) {
   if (!(std::fabs(serial) < 3e6)) return "#######";
-  const std::int64_t z = static_cast<std::int64_t>(std::floor(serial)) - 25569 + 719468;
-  const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const std::int64_t doe = z - era * 146097;
-  const std::int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const std::int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const std::int64_t mp = (5 * doy + 2) / 153;
-  const std::int64_t d = doy - (153 * mp + 2) / 5 + 1;
-  const std::int64_t m = mp < 10 ? mp + 3 : mp - 9;
-  const std::int64_t y = yoe + era * 400 + (m <= 2);
+  const CivilDay c = CivilDayOfSerial(static_cast<std::int64_t>(std::floor(serial)));
   char buf[80];
-  std::snprintf(buf, sizeof buf, "%04lld-%02lld-%02lld", static_cast<long long>(y), static_cast<long long>(m),
-                static_cast<long long>(d));
+  std::snprintf(buf, sizeof buf, "%04lld-%02d-%02d", static_cast<long long>(c.year), c.month, c.day);
   return buf;
 }
 
@@ -620,7 +675,54 @@ struct FormatKey {
   }
 };
 
+// The writer prints its own "[ERROR]" and "[WARNING]" lines on stderr.
+// While it works, stderr goes to a temporary file instead; what it said is
+// kept for the error the save raises, and never reaches the caller's
+// terminal.
+class WriterMessages {
+ public:
+  WriterMessages() {
+    std::fflush(stderr);
+    capture_ = std::tmpfile();
+    saved_ = capture_ ? ::dup(STDERR_FILENO) : -1;
+    if (saved_ >= 0) ::dup2(::fileno(capture_), STDERR_FILENO);
+  }
+  ~WriterMessages() {
+    Restore();
+    if (capture_) std::fclose(capture_);
+  }
+  WriterMessages(const WriterMessages&) = delete;
+  WriterMessages& operator=(const WriterMessages&) = delete;
+
+  // The first line the writer printed, without its "[ERROR]..." tag.
+  std::string First() {
+    Restore();
+    if (!capture_) return {};
+    std::rewind(capture_);
+    char line[512] = {};
+    if (!std::fgets(line, sizeof line, capture_)) return {};
+    std::string text(line);
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+    if (const std::size_t tag = text.find("]: "); text.rfind('[', 0) == 0 && tag != std::string::npos)
+      text.erase(0, tag + 3);
+    return text;
+  }
+
+ private:
+  void Restore() {
+    if (saved_ >= 0) {
+      std::fflush(stderr);
+      ::dup2(saved_, STDERR_FILENO);
+      ::close(saved_);
+      saved_ = -1;
+    }
+  }
+  std::FILE* capture_ = nullptr;
+  int saved_ = -1;
+};
+
 void Save(const std::vector<Ref<Worksheet>>& sheets, const std::string& path) {
+  WriterMessages messages;
   lxw_workbook* wb = workbook_new(path.c_str());
   if (!wb) Raise(Err::OutOfMemory);
   std::map<FormatKey, lxw_format*> formats;
@@ -655,6 +757,7 @@ void Save(const std::vector<Ref<Worksheet>>& sheets, const std::string& path) {
     lxw_worksheet* sheet = workbook_add_worksheet(wb, data.name.c_str());
     if (!sheet) {
       workbook_close(wb);
+      messages.First();
       Fail("Method 'SaveAs' failed: the sheet \"" + data.name + "\" cannot be written");
     }
     for (const auto& [c, width] : data.widths)
@@ -685,8 +788,10 @@ void Save(const std::vector<Ref<Worksheet>>& sheets, const std::string& path) {
   }
   const lxw_error closed = workbook_close(wb);
   if (err == LXW_NO_ERROR) err = closed;
-  if (err != LXW_NO_ERROR)
-    Fail("Method 'SaveAs' failed: cannot write \"" + path + "\" (" + lxw_strerror(err) + ")");
+  if (err != LXW_NO_ERROR) {
+    const std::string said = messages.First();
+    Fail("Method 'SaveAs' failed: cannot write \"" + path + "\" (" + (said.empty() ? lxw_strerror(err) : said) + ")");
+  }
 }
 
 // ---------------------------------------------------------------------------

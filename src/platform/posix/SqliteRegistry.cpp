@@ -221,9 +221,10 @@ class SqliteRegistry final : public RegistryStore {
   RegStatus EnumKey(RegHandle key, std::uint32_t index, std::string& name) override;
   RegStatus EnumValue(RegHandle key, std::uint32_t index, std::string& name, std::uint32_t* type,
                       std::vector<std::uint8_t>* data) override;
-  RegStatus ImportRegText(std::string_view text) override;
-  RegStatus ExportRegText(RegHandle root, std::string_view subKey, std::string& text) override;
+  RegStatus ImportRegKeys(const std::vector<RegFileKey>& keys) override;
+  RegStatus ExportRegKeys(RegHandle root, std::string_view subKey, std::vector<RegFileKey>& keys) override;
   std::string Location() const override { return path_; }
+  void Flush() noexcept override;
 
  private:
   // Result of making sure the database is open: ready, or no file yet (an
@@ -433,6 +434,16 @@ RegStatus SqliteRegistry::InitSchema(bool create) {
   if (RegStatus s = Exec("COMMIT", "cannot write"); s != 0) return s;
   schemaReady_ = true;
   return WinError::Success;
+}
+
+void SqliteRegistry::Flush() noexcept {
+  std::lock_guard lock(mutex_);
+  if (!db_) return;
+  // TRUNCATE also empties the log, so nothing committed lives only there;
+  // another process still reading may hold it back, and then the close
+  // below leaves the log for the last connection to fold in.
+  sqlite3_wal_checkpoint_v2(db_, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+  CloseDb();
 }
 
 void SqliteRegistry::CloseDb() noexcept {
@@ -808,7 +819,11 @@ RegStatus SqliteRegistry::SetValue(RegHandle key, std::string_view name, std::ui
   name = CString(name);
   if (name.size() > kMaxValueNameLength) return WinError::InvalidParameter;
   if (size > 0 && !data) return WinError::InvalidParameter;
-  if (size > 0x7FFFFFFFu) return WinError::InvalidParameter;
+  if (size > 0x7FFFFFFEu) return WinError::InvalidParameter;
+  // NT stores a string whose length leaves out the NUL right after it with
+  // that NUL; the registry reads of the library rely on it.
+  const bool isString = type == RegType::String || type == RegType::ExpandString || type == RegType::MultiString;
+  if (isString && size > 0 && data[size - 1] != 0 && data[size] == 0) ++size;
   if (RegStatus s = Ensure(true); s != 0) return s;
   if (RegStatus s = Verify(*k); s != 0) return s == WinError::FileNotFound ? WinError::KeyDeleted : s;
   // One statement: its own transaction, one durable commit.
@@ -957,15 +972,9 @@ RegStatus SqliteRegistry::EnumValue(RegHandle key, std::uint32_t index, std::str
 // ---------------------------------------------------------------------------
 // .reg files.
 
-RegStatus SqliteRegistry::ImportRegText(std::string_view text) {
-  std::vector<RegFileKey> keys;
-  std::string error;
+RegStatus SqliteRegistry::ImportRegKeys(const std::vector<RegFileKey>& keys) {
   std::lock_guard lock(mutex_);
   lastError_.clear();
-  if (!ParseRegFile(text, keys, error)) {
-    lastError_ = error;
-    return WinError::InvalidData;
-  }
   for (const RegFileKey& k : keys) {
     std::string display, fold;
     if (RegStatus s = NormalizePath(k.path, display, fold); s != 0) {
@@ -1003,10 +1012,10 @@ RegStatus SqliteRegistry::ImportRegText(std::string_view text) {
   return WinError::Success;
 }
 
-RegStatus SqliteRegistry::ExportRegText(RegHandle root, std::string_view subKey, std::string& text) {
+RegStatus SqliteRegistry::ExportRegKeys(RegHandle root, std::string_view subKey, std::vector<RegFileKey>& keys) {
   std::lock_guard lock(mutex_);
   lastError_.clear();
-  text.assign(kRegFileHeader);
+  keys.clear();
   std::vector<RegHandle> roots;
   if (root == 0)
     roots = {kHkeyClassesRoot, kHkeyCurrentUser, kHkeyLocalMachine};
@@ -1061,7 +1070,7 @@ RegStatus SqliteRegistry::ExportRegText(RegHandle root, std::string_view subKey,
       if (rc != SQLITE_DONE) return Fail(rc, "cannot read");
       // A root is written only when it holds values of its own.
       if (path.empty() && key.values.empty()) continue;
-      AppendRegFileKey(text, key);
+      keys.push_back(std::move(key));
     }
   }
   return WinError::Success;

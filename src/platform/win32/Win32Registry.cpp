@@ -135,13 +135,7 @@ class Win32RegistryStore final : public RegistryStore {
     return status;
   }
 
-  RegStatus ImportRegText(std::string_view text) override {
-    std::vector<RegFileKey> keys;
-    std::string error;
-    if (!ParseRegFile(text, keys, error)) {
-      lastError_ = error;
-      return WinError::InvalidData;
-    }
+  RegStatus ImportRegKeys(const std::vector<RegFileKey>& keys) override {
     lastError_.clear();
     // The system registry has no transaction here: sections apply in order,
     // and the first failing one stops the import with its status.
@@ -155,8 +149,13 @@ class Win32RegistryStore final : public RegistryStore {
       RegStatus s = CreateKey(k.root, k.path, h);
       if (s != WinError::Success) return s;
       for (const RegFileValue& v : k.values) {
+        // The system looks at the byte after string data (a NUL there would
+        // be stored too): a byte that is not NUL keeps the data as the file
+        // gives it.
+        std::vector<std::uint8_t> guarded(v.data);
+        guarded.push_back(1);
         s = v.remove ? DeleteValue(h, v.name)
-                     : SetValue(h, v.name, v.type, v.data.data(), static_cast<std::uint32_t>(v.data.size()));
+                     : SetValue(h, v.name, v.type, guarded.data(), static_cast<std::uint32_t>(v.data.size()));
         if (s != WinError::Success && !(v.remove && s == WinError::FileNotFound)) {
           CloseKey(h);
           return s;
@@ -167,12 +166,12 @@ class Win32RegistryStore final : public RegistryStore {
     return WinError::Success;
   }
 
-  RegStatus ExportRegText(RegHandle root, std::string_view subKey, std::string& text) override {
-    text = std::string(kRegFileHeader);
+  RegStatus ExportRegKeys(RegHandle root, std::string_view subKey, std::vector<RegFileKey>& keys) override {
+    keys.clear();
     const RegHandle roots[] = {kHkeyClassesRoot, kHkeyCurrentUser, kHkeyLocalMachine};
     for (RegHandle r : roots) {
       if (root != 0 && root != r) continue;
-      const RegStatus s = ExportKey(r, std::string(subKey), text);
+      const RegStatus s = ExportKey(r, std::string(subKey), keys);
       if (s != WinError::Success && root != 0) return s;
     }
     return WinError::Success;
@@ -208,7 +207,7 @@ class Win32RegistryStore final : public RegistryStore {
   }
 
   // Appends `path` below `root` and every key under it, values included.
-  RegStatus ExportKey(RegHandle root, const std::string& path, std::string& text) {
+  RegStatus ExportKey(RegHandle root, const std::string& path, std::vector<RegFileKey>& keys) {
     RegHandle h = 0;
     RegStatus s = OpenKey(root, path, RegAccess::Read, h);
     if (s != WinError::Success) return s;
@@ -220,11 +219,11 @@ class Win32RegistryStore final : public RegistryStore {
     std::vector<std::uint8_t> data;
     for (std::uint32_t i = 0; EnumValue(h, i, name, &type, &data) == WinError::Success; ++i)
       section.values.push_back({name, false, type, data});
-    if (!path.empty() || !section.values.empty()) AppendRegFileKey(text, section);
+    if (!path.empty() || !section.values.empty()) keys.push_back(std::move(section));
     std::vector<std::string> children;
     for (std::uint32_t i = 0; EnumKey(h, i, name) == WinError::Success; ++i) children.push_back(name);
     CloseKey(h);
-    for (const std::string& child : children) ExportKey(root, path.empty() ? child : path + "\\" + child, text);
+    for (const std::string& child : children) ExportKey(root, path.empty() ? child : path + "\\" + child, keys);
     return WinError::Success;
   }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/UserInterface.hpp"
+#include "platform/win32/Win32Dialogs.hpp"
 #include "platform/win32/Windows.hpp"
 
 #include <commdlg.h>
@@ -47,7 +48,11 @@ class WindowsUserInterface final : public UserInterface {
     return Narrow(std::wstring_view(file));
   }
 
-  void RunModal(ModalDialog& dialog) override { headless_.RunModal(dialog); }
+  void RunModal(ModalDialog& dialog) override {
+    if (FileChoiceForm* form = dialog.AsFileChoice()) RunFileChoiceDialog(dialog, *form, Owner());
+    else if (TreeBrowserForm* form = dialog.AsTreeBrowser()) RunTreeBrowserDialog(dialog, *form, Owner());
+    else dialog.CloseByControl();  // a dialog without a form of its own cannot be shown
+  }
 
   std::pair<std::int32_t, std::int32_t> ScreenSize() const override {
     // Stored dialog positions are in twips: 1440 per logical inch.
@@ -58,9 +63,6 @@ class WindowsUserInterface final : public UserInterface {
     return {GetSystemMetrics(SM_CXSCREEN) * 1440 / (dpiX ? dpiX : 96),
             GetSystemMetrics(SM_CYSCREEN) * 1440 / (dpiY ? dpiY : 96)};
   }
-
- private:
-  HeadlessUserInterface headless_;
 };
 
 }  // namespace
@@ -72,5 +74,11 @@ void InstallUserInterface() {
 }
 
 }  // namespace TessarkAO::Win32
+
+namespace TessarkAO {
+// The server puts its windows in force when it loads (InstallUserInterface);
+// until then, and in the Windows build's own programs, the headless service.
+std::unique_ptr<UserInterface> StartupUserInterface() { return std::make_unique<HeadlessUserInterface>(); }
+}  // namespace TessarkAO
 
 #endif  // _WIN32

@@ -91,4 +91,12 @@ If Needs("profiles", Array("TessarkAO.TKProfile", "TessarkAO.TKOutline")) Then
   Check "GetOutline hands out the same outline", prof.GetOutline(1) Is outline
 End If
 
+If Needs("remembered dialog positions", Array("TessarkAO.DialogUtils")) Then
+  Set r = CreateObject("TessarkAO.DialogUtils")
+  r.SetStartPosition 6, 1234, 567
+  x = 0 : y = 0
+  r.GetStartPosition 6, x, y
+  Check "a dialog position written is read back whole", x = 1234 And y = 567
+End If
+
 Finish "session.vbs"

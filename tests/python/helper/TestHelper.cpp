@@ -8,6 +8,7 @@
 #include "automation/Convert.hpp"
 #include "automation/Members.hpp"
 #include "platform/UserInterface.hpp"
+#include "../../calls/CallProbe.hpp"
 
 namespace TessarkAO {
 
@@ -19,7 +20,7 @@ class Sample final : public Dispatch<Sample> {
   static void Describe(ClassBuilder<Sample>& b) {
     b.Property<&Sample::GetX, &Sample::LetX>("X")
         .Method<&Sample::SetPosition>("SetPosition", Names{"dblX", "dblY", "dblZ"}, Opt{0.0, 0.0})
-        .Method<&Sample::GetPosition>("GetPosition", Names{"X", "Y", "Z"})
+        .Method<&Sample::GetPosition>("GetPosition", Names{"X", "Y", "Z"}, Out<1, 2, 3>{})
         .Get<&Sample::Value>("Value", Names{"lngIndex"})
         .Let<&Sample::LetValue>("Value", Names{"lngIndex", "dblValue"})
         .Get<&Sample::Cell>("Cell", Names{"lngRow", "lngCol"})
@@ -27,7 +28,7 @@ class Sample final : public Dispatch<Sample> {
         .Method<&Sample::Echo>("Echo", Names{"varValue"})
         .Method<&Sample::TypeOf>("TypeOf", Names{"varValue"})
         .Method<&Sample::Omitted>("Omitted", Names{"varValue"}, Opt{Variant::Missing()})
-        .Method<&Sample::Fill>("Fill", Names{"varArray", "lngLower"})
+        .Method<&Sample::Fill>("Fill", Names{"varArray", "lngLower"}, Out<1>{})
         .Method<&Sample::Fail>("Fail", Names{"lngNumber"})
         .Method<&Sample::HostGet>("HostGet", Names{"objHost", "strName"})
         .Method<&Sample::HostLet>("HostLet", Names{"objHost", "strName", "varValue"})
@@ -118,5 +119,6 @@ class Sample final : public Dispatch<Sample> {
 PYBIND11_MODULE(tk_testhelper, m) {
   using namespace TessarkAO;
   RegisterForeignProgId("TkTest.Sample", [] { return Ref<Object>(new Sample()); });
+  Testing::CallProbe::Register();
   m.def("live_samples", [] { return g_liveSamples; }, "How many Sample objects exist.");
 }

@@ -1,4 +1,4 @@
-#include "host/HostModel.hpp"
+#include "host/HostAccess.hpp"
 
 #include <array>
 #include <utility>
@@ -48,5 +48,15 @@ std::string NameOf(const Variant& object) { return ToString(object.Get("Name"));
 std::int32_t TypeOf(const Variant& object) { return ToLong(object.Get("Type")); }
 
 std::int32_t CountOf(const Variant& collection) { return ToLong(collection.Get("Count")); }
+
+Variant FindVariable(const Variant& component, std::string_view name) {
+  const Variant variables = component.Get("Variables");
+  const std::int32_t count = ToLong(variables.Get("Count"));
+  for (std::int32_t i = 1; i <= count; ++i) {
+    Variant variable = variables.Call("Item", i);
+    if (EqualsNoCaseAscii(ToString(variable.Get("Name")), name)) return variable;
+  }
+  return Variant::Nothing();
+}
 
 }  // namespace TessarkAO::Host

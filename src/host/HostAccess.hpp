@@ -31,11 +31,15 @@ constexpr std::int32_t Position = 4;
 constexpr std::int32_t Anchor = 5;
 constexpr std::int32_t SurfaceFinish = 7;
 constexpr std::int32_t FaceGeometry = 10;  // carries the Faces collection
+constexpr std::int32_t Extrude = 14;
 constexpr std::int32_t Profile = 15;
 constexpr std::int32_t Studio = 18;  // marks the scene's top object
 constexpr std::int32_t History = 23;
 constexpr std::int32_t Variable = 34;
 constexpr std::int32_t SheetMetalPart = 62;
+constexpr std::int32_t SheetMetalExtrude = 63;
+constexpr std::int32_t SheetMetalBend = 66;
+constexpr std::int32_t SheetMetalForm = 67;
 }  // namespace ComponentType
 
 // Shape type codes of the two container kinds.
@@ -58,6 +62,13 @@ Variant FindComponent(const Variant& shape, std::int32_t type, bool create);
 double VariableValue(const Variant& component, std::int32_t number);
 // component.Variable(number).Value, as the host holds it.
 Variant VariableRaw(const Variant& component, std::int32_t number);
+// The variable of a component whose Name is `name` (compared without regard
+// to case, as the host compares variable names in its formulas), found by
+// walking component.Variables from Item(1) to Item(Count); the first match
+// wins.  Nothing when the component has no such variable.  The conic
+// sheet-metal builder reaches its parameters this way, since the host gives
+// them names but no fixed numbers.  Host errors are not trapped.
+Variant FindVariable(const Variant& component, std::string_view name);
 // component.Variable(number).Value = value.
 void LetVariableValue(const Variant& component, std::int32_t number, Variant value);
 // component.Variable(number).Expression = text: the host re-evaluates the variable.

@@ -1,0 +1,103 @@
+// tktools view, and tktools import-bspline without a points file: the
+// library's dialogs in front of a person, on a reference-host scene.  With a
+// display they are windows; headless (TESSARKAO_UI=headless, or no display)
+// they close at once through the title-bar control, as scripts expect.
+#include <cstdio>
+
+#include "Command.hpp"
+#include "automation/Catalogue.hpp"
+#include "automation/Members.hpp"
+#include "platform/UserInterface.hpp"
+#include "refhost/RefHost.hpp"
+#include "scene/Functions.hpp"
+#include "scene/Scene.hpp"
+
+namespace TessarkAO::Cli {
+
+extern const std::string_view kViewUsage;
+const std::string_view kViewUsage =
+    "usage: tktools view SCENE.json [--page NAME]\n"
+    "\n"
+    "Shows the scene viewer on a page of the scene (default: the active page), as\n"
+    "DialogUtils.GetCLSID(707, 808) does for a tool.  It needs a display; headless it\n"
+    "closes at once and its tree is printed instead.\n"
+    "\n"
+    "Exit status: 0 shown, 1 the scene cannot be loaded or has no such page, 2 for a\n"
+    "wrong call.\n";
+
+namespace {
+
+Ref<Object> LoadSceneOrFail(const std::string& path) {
+  try {
+    return RefHost::LoadScene(path);
+  } catch (const AutomationError& e) {
+    throw CommandError("cannot load the scene: " + e.Description());
+  }
+}
+
+Variant PageNamed(const Ref<Object>& app, const std::string& name) {
+  const Variant application(app);
+  if (name.empty()) return application.Get("ActivePage");
+  const Variant pages = application.Get("Pages");
+  const std::int32_t count = ToLong(pages.Get("Count"));
+  for (std::int32_t i = 1; i <= count; ++i) {
+    Variant page = pages.Call("Item", i);
+    if (ToString(page.Get("Name")) == name) return page;
+  }
+  throw CommandError("the scene has no page '" + name + "'");
+}
+
+class ShapeNamed final : public Scene::ShapeVisitor {
+ public:
+  explicit ShapeNamed(std::string wanted) : wanted_(std::move(wanted)) {}
+  void Visit(const Variant& shape, std::int32_t depth, std::int32_t) override {
+    if (depth == 0) return;
+    const std::string name = ToString(shape.Get("Name"));
+    if (name == wanted_ || Functions::ShapePathOf(shape) + name == wanted_) found.push_back(shape);
+  }
+  std::vector<Variant> found;
+
+ private:
+  std::string wanted_;
+};
+
+}  // namespace
+
+int ViewRun(const std::vector<std::string>& raw) {
+  const Arguments args(raw, {"--page"});
+  if (args.Positionals().size() != 1) throw UsageError("one SCENE.json file is needed");
+  const Ref<Object> app = LoadSceneOrFail(args.Positionals().front());
+  const Variant page = PageNamed(app, args.Value("--page"));
+  Ref<Object> utils = CreateObject("TessarkAO.DialogUtils");
+  Variant pageArg[] = {page};
+  utils->Invoke("Page", CallKind::Set, pageArg);
+  Variant call[] = {Variant(std::int32_t{707}), Variant(std::int32_t{808})};
+  utils->Invoke("GetCLSID", CallKind::Method, call);
+  if (HeadlessUserInterface* ui = GetHeadlessUserInterface()) {
+    const std::vector<DialogRecord> shown = ui->Shown();
+    if (!shown.empty()) std::fputs(shown.back().text.c_str(), stdout);
+  }
+  return 0;
+}
+
+// import-bspline SCENE.json-less form: the dialog asks for the file.
+int ImportBSplineByDialog(const std::string& scene, const std::string& select, const std::string& save) {
+  if (scene.empty()) throw UsageError("--scene is needed");
+  if (select.empty()) throw UsageError("--select is needed");
+  const Ref<Object> app = LoadSceneOrFail(scene);
+  const Variant page = Variant(app).Get("ActivePage");
+  ShapeNamed finder(select);
+  Scene::WalkShapes(page.Get("Shape"), finder);
+  if (finder.found.size() != 1)
+    throw CommandError(finder.found.empty() ? "no shape '" + select + "' in the active page"
+                                            : "several shapes are named '" + select + "': give the full path");
+  page.Get("SelectedItems").Call("Clear");
+  page.Get("SelectedItems").Call("Add", finder.found.front());
+  Ref<Object> imports = CreateObject("TessarkAO.TKImports");
+  Variant call[] = {Variant(app)};
+  imports->Invoke("ImportBSpline", CallKind::Method, call);
+  if (!save.empty()) RefHost::SaveScene(app, save);
+  return 0;
+}
+
+}  // namespace TessarkAO::Cli

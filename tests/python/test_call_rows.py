@@ -1,0 +1,81 @@
+"""The call-behaviour rows (tests/calls/rows.inc) through the Python module,
+and the failure of a plain get through the tktools command as well."""
+import os
+import pathlib
+import subprocess
+
+import pytest
+
+import tessarkao as tk
+import tk_testhelper  # noqa: F401  (registers TkTest.CallProbe)
+
+ROWS = pathlib.Path(__file__).resolve().parent.parent / "calls" / "rows.inc"
+KINDS = {"get": tk.GET, "let": tk.LET, "method": tk.METHOD, "default": tk.GET}
+TAGS = {"Long": "L", "Double": "D", "String": "S", "Boolean": "B", "Empty": "E"}
+
+
+def rows():
+    for line in ROWS.read_text().splitlines()[1:-1]:
+        if line and not line.startswith("#"):
+            yield line
+
+
+def value_of(token):
+    tag, rest = token[0], token[1:]
+    return {"L": lambda: tk.Long(int(rest)), "D": lambda: float(rest), "S": lambda: rest,
+            "B": lambda: rest == "1", "M": lambda: tk.Missing, "E": lambda: tk.Empty}[tag]()
+
+
+def text_of(vt, value):
+    if vt == "Boolean":
+        return "B1" if value else "B0"
+    if vt == "Empty":
+        return "E"
+    if vt == "Double":
+        return "D" + format(value, "g")
+    return TAGS.get(vt, "?" + vt) + str(value)
+
+
+def text_of_python(value):
+    if value is tk.Empty:
+        return "E"
+    if isinstance(value, bool):
+        return "B1" if value else "B0"
+    if isinstance(value, float):
+        return "D" + format(value, "g")
+    return ("L" if isinstance(value, int) else "S") + str(value)
+
+
+@pytest.mark.parametrize("row", list(rows()))
+def test_row(row):
+    call, expect = row.split(" -> ")
+    kind, member, *tokens = call.split()
+    refs = {i: tk.Ref(value_of(t[1:])) for i, t in enumerate(tokens) if t.startswith("&")}
+    args = [refs[i] if i in refs else value_of(t) for i, t in enumerate(tokens)]
+    probe = tk.CreateObject("TkTest.CallProbe")
+    target = 0 if kind == "default" else member
+    if expect.startswith("!"):
+        number, _, text = expect[1:].partition(":")
+        with pytest.raises(tk.AutomationError) as failure:
+            tk.invoke(probe, target, KINDS[kind], *args)
+        assert failure.value.number == int(number)
+        assert text in failure.value.description
+        assert failure.value.hresult == 0x800A0000 | int(number)
+        return
+    result, *outputs = expect.split()
+    r = tk.invoke(probe, target, KINDS[kind], *args)
+    assert "=" + text_of(r.vt, r.value) == result
+    for out in outputs:
+        n, value = out[3:].split("=")
+        assert text_of_python(refs[int(n) - 1].value) == value
+
+
+def test_plain_get_failure_reaches_the_command_line_as_the_same_error(tmp_path):
+    tktools = os.environ.get("TESSARKAO_TKTOOLS")
+    if not tktools:
+        pytest.skip("tktools is not built")
+    script = tmp_path / "fails.py"
+    script.write_text("import tk_testhelper\nprobe = tk.CreateObject('TkTest.CallProbe')\nprobe.Fails\n")
+    run = subprocess.run([tktools, "run", str(script)], capture_output=True, text=True)
+    assert run.returncode == 1
+    assert "AutomationError: probe failure (error 440)" in run.stderr.splitlines()[-1]
