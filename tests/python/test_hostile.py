@@ -104,7 +104,8 @@ def test_tktools_reports_the_number_and_valid_text(tmp_path):
     scene.write_text(tk.refhost.dumps(app))
     points = tmp_path / "wide.txt"
     points.write_text("1 2\n" * 2000 + "1 " * 300000 + "\n")
-    r = subprocess.run([TKTOOLS, "import-bspline", str(points), "--scene", str(scene), "--select", "P"],
+    r = subprocess.run([TKTOOLS, "import-bspline", str(points), "--scene", str(scene), "--select", "P",
+                        "--save", str(tmp_path / "out.json")],
                        capture_output=True, timeout=120)
     assert r.stderr.decode("utf-8").endswith("Out of memory (error 7)\n")
     assert r.returncode == 1
