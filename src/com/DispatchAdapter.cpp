@@ -274,24 +274,33 @@ HRESULT DispatchAdapter::Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPA
   } destroy{args, count};
   std::array<VARIANT*, kMaxArgs> from;
   for (std::size_t i = 0; i < count; ++i) from[i] = nullptr;
+  // An argument whose type the runtime cannot take is DISP_E_TYPEMISMATCH at
+  // its position; any other failure to take it (an array whose bounds leave
+  // the Long range, out of memory) is that automation error.
+  HRESULT loadFailure = S_OK;
   auto load = [&](std::size_t position, UINT index) -> bool {
     VARIANT* v = &params->rgvarg[index];
     try {
       args[position] = FromVariant(*v);
-    } catch (const AutomationError&) {
+    } catch (const AutomationError& e) {
+      if (e.Number() != static_cast<int32_t>(Err::TypeMismatch)) {
+        loadFailure = Fail(CurrentError(SourceOf(*object_)), iid_, exception);
+        return false;
+      }
       if (argError) *argError = index;
+      loadFailure = DISP_E_TYPEMISMATCH;
       return false;
     }
     from[position] = v;
     return true;
   };
   for (UINT i = 0; i < positional; ++i)
-    if (!load(i, total - 1 - i)) return DISP_E_TYPEMISMATCH;
+    if (!load(i, total - 1 - i)) return loadFailure;
   for (UINT k = 0; k < named; ++k) {
     const std::size_t position = static_cast<int>(k) == putValue
                                      ? count - 1
                                      : static_cast<std::size_t>(params->rgdispidNamedArgs[k]);
-    if (!load(position, k)) return DISP_E_TYPEMISMATCH;
+    if (!load(position, k)) return loadFailure;
   }
 
   try {
