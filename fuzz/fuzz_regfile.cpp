@@ -47,12 +47,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       if (error.empty()) std::abort();  // a refusal always says why
       return;
     }
-    std::string out(kRegFileHeader);
-    for (const RegFileKey& k : keys) AppendRegFileKey(out, k);
-    std::vector<RegFileKey> again;
-    if (!ParseRegFile(out, again, error) || !SameKeys(keys, again)) {
-      std::fprintf(stderr, "written back, the keys read differently: %s\n", error.c_str());
-      std::abort();
+    // Written back in either format (a REGEDIT4 file may refuse text its code
+    // page lacks), what was written reads back to the same keys.
+    for (const RegFileFormat format : {RegFileFormat::Version5, RegFileFormat::Regedit4}) {
+      std::string out;
+      if (!WriteRegFile(keys, format, kRegFileCodePage, out, error)) continue;
+      std::vector<RegFileKey> again;
+      if (!ParseRegFile(out, again, error) || !SameKeys(keys, again)) {
+        std::fprintf(stderr, "written back as format %d, the keys read differently: %s\n",
+                     static_cast<int>(format), error.c_str());
+        std::abort();
+      }
     }
     static std::unique_ptr<RegistryStore> store = OpenRegistryStore("registry.sqlite3");
     store->ImportRegText(text);
