@@ -114,6 +114,9 @@ def test_tree_prints_the_viewer_tree_of_a_page(tmp_path):
     r = tktools("tree", write(tmp_path / "broken.json", '{"format": "tessarkao-scene", "pages": ['))
     assert r.returncode == 1 and r.stderr.startswith("tktools tree: cannot load the scene: ")
     assert tktools("tree").returncode == 2
+    # Headless, the viewer closes at once and prints the tree it showed.
+    r = tktools("view", scene, "--page", "Drawing")
+    assert (r.returncode, r.stdout) == (0, "Top Shape\n  Pin (Part)\n")
 
 
 def test_reg_set_get_export_and_import(tmp_path):
