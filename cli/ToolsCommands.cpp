@@ -70,20 +70,6 @@ std::string ExclamationsSince(std::size_t from) {
   return text;
 }
 
-class ShapeFinder final : public Scene::ShapeVisitor {
- public:
-  explicit ShapeFinder(std::string wanted) : wanted_(std::move(wanted)) {}
-  void Visit(const Variant& shape, std::int32_t depth, std::int32_t) override {
-    if (depth == 0) return;
-    const std::string name = ToString(shape.Get("Name"));
-    if (name == wanted_ || Functions::ShapePathOf(shape) + name == wanted_) found.push_back(shape);
-  }
-  std::vector<Variant> found;
-
- private:
-  std::string wanted_;
-};
-
 // The import changes only the scene in memory: without --save nothing
 // would be kept.  At most one of the files is standard input.
 void CheckImportStreams(const Arguments& args) {
@@ -99,6 +85,30 @@ void SaveImportedScene(const Ref<Object>& app, const std::string& target) {
 }
 
 }  // namespace
+
+// Makes the one shape of `page` called `name` (its name, or its path and
+// name) the page's only selected item; none or several is a command error.
+void SelectOnlyShapeNamed(const Variant& page, const std::string& name) {
+  class Finder final : public Scene::ShapeVisitor {
+   public:
+    explicit Finder(const std::string& wanted) : wanted_(wanted) {}
+    void Visit(const Variant& shape, std::int32_t depth, std::int32_t) override {
+      if (depth == 0) return;
+      const std::string n = ToString(shape.Get("Name"));
+      if (n == wanted_ || Functions::ShapePathOf(shape) + n == wanted_) found.push_back(shape);
+    }
+    std::vector<Variant> found;
+
+   private:
+    const std::string& wanted_;
+  } finder(name);
+  Scene::WalkShapes(page.Get("Shape"), finder);
+  if (finder.found.empty()) throw CommandError("no shape '" + name + "' in the active page");
+  if (finder.found.size() > 1) throw CommandError("several shapes are named '" + name + "': give the full path");
+  const Variant selection = page.Get("SelectedItems");
+  selection.Call("Clear");
+  selection.Call("Add", finder.found.front());
+}
 
 int ImportBSplineByDialog(const std::string& scene, const std::string& select, const std::string& save);
 
@@ -128,14 +138,7 @@ int ImportBSplineCommand(const std::vector<std::string>& raw) {
     throw CommandError("cannot load the scene: " + e.Description());
   }
   const Variant page = Variant(app).Get("ActivePage");
-  ShapeFinder finder(args.Value("--select"));
-  Scene::WalkShapes(page.Get("Shape"), finder);
-  if (finder.found.empty()) throw CommandError("no shape '" + args.Value("--select") + "' in the active page");
-  if (finder.found.size() > 1)
-    throw CommandError("several shapes are named '" + args.Value("--select") + "': give the full path");
-  const Variant selection = page.Get("SelectedItems");
-  selection.Call("Clear");
-  selection.Call("Add", finder.found.front());
+  SelectOnlyShapeNamed(page, args.Value("--select"));
 
   const std::size_t before = ui->Messages().size();
   ui->QueueFile(pointsFile.Path());

@@ -47,20 +47,6 @@ Variant PageNamed(const Ref<Object>& app, const std::string& name) {
   throw CommandError("the scene has no page '" + name + "'");
 }
 
-class ShapeNamed final : public Scene::ShapeVisitor {
- public:
-  explicit ShapeNamed(std::string wanted) : wanted_(std::move(wanted)) {}
-  void Visit(const Variant& shape, std::int32_t depth, std::int32_t) override {
-    if (depth == 0) return;
-    const std::string name = ToString(shape.Get("Name"));
-    if (name == wanted_ || Functions::ShapePathOf(shape) + name == wanted_) found.push_back(shape);
-  }
-  std::vector<Variant> found;
-
- private:
-  std::string wanted_;
-};
-
 }  // namespace
 
 int ViewRun(const std::vector<std::string>& raw) {
@@ -81,18 +67,15 @@ int ViewRun(const std::vector<std::string>& raw) {
 }
 
 // import-bspline SCENE.json-less form: the dialog asks for the file.
+// In ToolsCommands.cpp.
+void SelectOnlyShapeNamed(const Variant& page, const std::string& name);
+
 int ImportBSplineByDialog(const std::string& scene, const std::string& select, const std::string& save) {
   if (scene.empty()) throw UsageError("--scene is needed");
   if (select.empty()) throw UsageError("--select is needed");
   const Ref<Object> app = LoadSceneOrFail(scene);
   const Variant page = Variant(app).Get("ActivePage");
-  ShapeNamed finder(select);
-  Scene::WalkShapes(page.Get("Shape"), finder);
-  if (finder.found.size() != 1)
-    throw CommandError(finder.found.empty() ? "no shape '" + select + "' in the active page"
-                                            : "several shapes are named '" + select + "': give the full path");
-  page.Get("SelectedItems").Call("Clear");
-  page.Get("SelectedItems").Call("Add", finder.found.front());
+  SelectOnlyShapeNamed(page, select);
   Ref<Object> imports = CreateObject("TessarkAO.TKImports");
   Variant call[] = {Variant(app)};
   imports->Invoke("ImportBSpline", CallKind::Method, call);
