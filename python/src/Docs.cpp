@@ -5,6 +5,7 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
 
+#include "Signatures.hpp"
 #include "Values.hpp"
 #include "automation/Enumerations.hpp"
 #include "automation/VarType.hpp"
@@ -21,21 +22,6 @@ py::object& TypeFactory() {
 std::unordered_map<const ClassInfo*, PyTypeObject*>& TypeCache() {
   static auto* cache = new std::unordered_map<const ClassInfo*, PyTypeObject*>();
   return *cache;
-}
-
-// A default as the scripting runtimes write it ("0", "True", "\"\""); "" when
-// the member sees the omission itself.
-std::string DefaultText(const Variant& v) {
-  if (v.IsMissing()) return {};
-  if (v.IsNothing()) return "Nothing";
-  if (v.IsArray()) return "()";
-  switch (v.Type()) {
-    case VarType::Empty: return "Empty";
-    case VarType::Null: return "Null";
-    case VarType::String: return "\"" + v.AsString() + "\"";
-    case VarType::Error: return "Error " + std::to_string(v.AsError().scode);
-    default: return ToString(v);
-  }
 }
 
 // (name, type, output, optional, default, param_array, default text) per parameter.

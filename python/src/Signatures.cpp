@@ -7,19 +7,6 @@ namespace TessarkAO::Python {
 
 namespace {
 
-std::string DefaultText(const Variant& v) {
-  if (v.IsMissing()) return {};
-  if (v.IsNothing()) return "Nothing";
-  if (v.IsArray()) return "()";
-  switch (v.Type()) {
-    case VarType::Empty: return "Empty";
-    case VarType::Null: return "Null";
-    case VarType::String: return "\"" + v.AsString() + "\"";
-    case VarType::Error: return "Error " + std::to_string(v.AsError().scode);
-    default: return ToString(v);
-  }
-}
-
 std::string ParamText(const ParamInfo& p) {
   if (p.paramArray) return "ParamArray " + p.name + "()";
   std::string s = p.output ? "ByRef " : "";
@@ -83,6 +70,19 @@ std::string ClassDescription(const ClassInfo& info) {
     s += "  " + line + (&m == def ? "  (default member)" : "") + "\n";
   }
   return s;
+}
+
+std::string DefaultText(const Variant& v) {
+  if (v.IsMissing()) return {};
+  if (v.IsNothing()) return "Nothing";
+  if (v.IsArray()) return "()";
+  switch (v.Type()) {
+    case VarType::Empty: return "Empty";
+    case VarType::Null: return "Null";
+    case VarType::String: return "\"" + v.AsString() + "\"";
+    case VarType::Error: return "Error " + std::to_string(v.AsError().scode);
+    default: return ToString(v);
+  }
 }
 
 }  // namespace TessarkAO::Python

@@ -15,6 +15,10 @@
 
 namespace TessarkAO::Python {
 
+// A default as the scripting runtimes write it ("0", "True", "\"\""); "" when
+// the member sees the omission itself.
+std::string DefaultText(const Variant& v);
+
 std::string SignatureText(const MemberInfo& member);
 // One line per member, in slot order, the default member marked.
 std::string ClassDescription(const ClassInfo& info);
