@@ -68,19 +68,21 @@ TEST(HostWalk, ParentChainsThatReturnEndIn28) {
   auto page = MakeRef<Fake>();
   page->Value("Shape", Variant(r));
   auto studio = Collection(1, [] { return Variant(); });
-  top->Value("Page", Variant(page)).Value("Name", "").On("Components", [studio](CallKind, std::span<Variant>) {
-    return Variant(studio);
-  });
+  top->Value("Page", Variant(page))
+      .Value("Name", "")
+      .On("Components", [studio](CallKind, std::span<Variant>) { return Variant(studio); });
   auto app = MakeRef<Fake>();
   app->Value("ActivePage", Variant(page));
   auto s = MakeRef<Fake>();
   s->Value("Application", Variant(app));
   for (const Ref<Fake>& shape : {s, r}) {
     auto name = std::make_shared<Variant>(shape == s ? "S" : "R");
-    shape->Value("SystemID", 7).Value("Parent", Variant(top)).On("Name", [name](CallKind, std::span<Variant> a) {
-      if (!a.empty()) *name = a.back();
-      return *name;
-    });
+    shape->Value("SystemID", 7)
+        .Value("Parent", Variant(top))
+        .On("Name", [name](CallKind, std::span<Variant> a) {
+          if (!a.empty()) *name = a.back();
+          return *name;
+        });
   }
   const Variant position(CreateObject("TessarkAO.TKPosition"));
   position.Set("Shape", Variant(s));
