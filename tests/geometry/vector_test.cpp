@@ -1,7 +1,8 @@
 // TKVector4d through its member table, against literal models where the
 // class takes a faster route.
-#include "GeometrySupport.hpp"
+#include <array>
 
+#include "GeometrySupport.hpp"
 #include "automation/Catalogue.hpp"
 
 using namespace TessarkAO;
@@ -14,6 +15,9 @@ Ref<Object> NewVector(double x, double y, double z) {
   Call(v, "SetPosition", {x, y, z});
   return v;
 }
+
+using Xyzw = std::array<double, 4>;
+Xyzw Of(const Ref<TKVector4d>& v) { return std::to_array(v->Components().c); }
 
 double Get(const Ref<Object>& o, std::string_view name, std::vector<Variant> args = {}) {
   return ToDouble(Call(o, name, std::move(args), CallKind::Get));
@@ -66,29 +70,26 @@ TEST(Vector, AnglesUseTheLibraryPi) {
 TEST(Vector, MatrixMovesKeepTheirConventions) {
   auto v = Vec(1, 0, 0);
   v->Rotate(3, 90);  // about Z: X towards Y, exact after the matrix clean-up
-  EXPECT_EQ(v->Components().c[0], 0.0);
-  EXPECT_EQ(v->Components().c[1], 1.0);
+  EXPECT_EQ(Of(v), (Xyzw{0, 1, 0, 0}));
   v->Rotate(1, 90);  // about X the sense is the opposite one: Y towards -Z
-  EXPECT_EQ(v->Components().c[2], -1.0);
+  EXPECT_EQ(Of(v), (Xyzw{0, 0, -1, 0}));
   v->Rotate(2, 90);  // about Y: Z towards X
-  EXPECT_EQ(v->Components().c[0], -1.0);
+  EXPECT_EQ(Of(v), (Xyzw{-1, 0, 0, 0}));
 
   auto w = Vec(1, 2, 3, 5);
   w->Shift(1, 2, 3);  // W takes no part and is kept
-  EXPECT_EQ(w->Components().c[0], 2.0);
-  EXPECT_EQ(w->Components().c[2], 6.0);
-  EXPECT_EQ(w->Components().c[3], 5.0);
+  EXPECT_EQ(Of(w), (Xyzw{2, 4, 6, 5}));
   w->Shift(1e-10, 0, 0);  // below the temporary matrix's tolerance
-  EXPECT_EQ(w->Components().c[0], 2.0);
+  EXPECT_EQ(Of(w), (Xyzw{2, 4, 6, 5}));
   w->Rotate(7, 30);  // no such axis: the zero matrix
-  EXPECT_EQ(w->Components().c[3], 0.0);
+  EXPECT_EQ(Of(w), (Xyzw{0, 0, 0, 0}));
 
   // The caller's axis is normalised in place by the rotation.
   auto axis = Vec(0, 0, 2);
   auto p = Vec(1, 0, 0);
   p->RotateAboutArbitraryAxis(axis, 90);
-  EXPECT_EQ(axis->Components().c[2], 1.0);
-  EXPECT_EQ(p->Components().c[1], 1.0);
+  EXPECT_EQ(Of(axis), (Xyzw{0, 0, 1, 0}));
+  EXPECT_EQ(Of(p), (Xyzw{0, 1, 0, 0}));
 }
 
 TEST(Vector, ProductsMatchTheLiteralSum) {
@@ -119,12 +120,10 @@ TEST(Vector, ProductsMatchTheLiteralSum) {
 TEST(Vector, MoveAlongVectorAndErrors) {
   auto v = Vec(1, 1, 1, 7);
   v->MoveAlongVector(Vec(0, 3, 4), 10);
-  EXPECT_EQ(v->Components().c[1], 7.0);
-  EXPECT_EQ(v->Components().c[2], 9.0);
-  EXPECT_EQ(v->Components().c[3], 7.0);
+  EXPECT_EQ(Of(v), (Xyzw{1, 7, 9, 7}));
   EXPECT_EQ(ErrorOf([&] { v->MoveAlongVector(Vec(0, 0, 0), 2); }), 11);
   EXPECT_EQ(ErrorOf([&] { v->MoveAlongVector(Vec(0, 0, 0), 0); }), 6);  // 0 / 0
-  EXPECT_EQ(v->Components().c[1], 7.0);
+  EXPECT_EQ(Of(v), (Xyzw{1, 7, 9, 7}));
 
   Ref<Object> o = v;
   EXPECT_EQ(ErrorOf([&] { Call(o, "Value", {4}, CallKind::Get); }), 9);
