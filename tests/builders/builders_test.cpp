@@ -4,18 +4,19 @@
 // sees them afterwards.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <random>
 #include <sstream>
 
+#include "TestSupport.hpp"
 #include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
+#include "frame/Conventions.hpp"
 #include "frame/Globals.hpp"
 #include "host/HostAccess.hpp"
 #include "refhost/RefHost.hpp"
-#include "TestSupport.hpp"
-#include "frame/Conventions.hpp"
 
 using namespace TessarkAO;
 
@@ -48,6 +49,12 @@ struct Scene : ::testing::Test {
     RefHost::ClearJournal();
     return part;
   }
+  // The host calls of the builder's Finish.
+  static std::vector<std::string> Finished(Variant& builder) {
+    RefHost::ClearJournal();
+    builder.Call("Finish");
+    return Actions();
+  }
   // The journal's lines, leaving out the reads and the position and anchor
   // writes of the placement (checked by value); with `on` only the lines that
   // contain it.
@@ -64,8 +71,11 @@ struct Scene : ::testing::Test {
   }
 };
 
-double Var(const Variant& shape, std::int32_t component, std::int32_t number) {
-  return ToDouble(shape.Get("Components", component).Call("Item", 1).Call("Variable", number).Get("Value"));
+// The shape's position: variables 1 to 3 of its position component.
+std::array<double, 3> Xyz(const Variant& shape) {
+  const Variant position = shape.Get("Components", 4).Call("Item", 1);
+  auto at = [&](std::int32_t n) { return ToDouble(position.Call("Variable", n).Get("Value")); };
+  return {at(1), at(2), at(3)};
 }
 
 std::string D(double v) { return RefHost::FormatJournalValue(Variant(v)); }
@@ -148,12 +158,10 @@ TEST(Builders, RefusedValues) {
     Variant* builder;
     const char* member;
     Variant value;
-  } bad[] = {{&form, "Depth", 0.0},         {&form, "PunchRadius", -0.1},
-             {&form, "DieRadius", -1e-300}, {&form, "Direction", 3},
-             {&form, "Direction", 0},       {&curved, "Radius", 0.0},
-             {&curved, "SweepAngle", 0.0},  {&curved, "SweepAngle", 2 * kPi},
-             {&curved, "Width", -1.0},      {&curved, "Thickness", 0.0},
-             {&conic, "TopRadius", -0.5},   {&conic, "Height", 0.0},
+  } bad[] = {{&form, "Depth", 0.0},        {&form, "PunchRadius", -0.1},     {&form, "DieRadius", -1e-300},
+             {&form, "Direction", 3},      {&form, "Direction", 0},          {&curved, "Radius", 0.0},
+             {&curved, "SweepAngle", 0.0}, {&curved, "SweepAngle", 2 * kPi}, {&curved, "Width", -1.0},
+             {&curved, "Thickness", 0.0},  {&conic, "TopRadius", -0.5},      {&conic, "Height", 0.0},
              {&conic, "Thickness", -0.1}};
   for (const Bad& c : bad) {
     const Variant before = c.builder->Get(c.member);
@@ -201,9 +209,7 @@ TEST_F(Scene, ExtrudeCreateInAnAssemblyAndFinish) {
   const Variant profile = shape.Get("Components", 15).Call("Item", 1).Get("Profile");
   b.Get("PathComponents").Call("Add");  // a path drawn there belongs to the shape's profile
   EXPECT_EQ(ToLong(profile.Get("Components", 3).Get("Count")), 1);
-  RefHost::ClearJournal();
-  b.Call("Finish");
-  EXPECT_EQ(Actions(), FinishCalls(s, 0));
+  EXPECT_EQ(Finished(b), FinishCalls(s, 0));
 }
 
 TEST_F(Scene, SheetMetalExtrudeCreateOnAPartAndFinish) {
@@ -221,9 +227,7 @@ TEST_F(Scene, SheetMetalExtrudeCreateOnAPartAndFinish) {
               v + "1).Value = 1%", "call " + s + ".Components(15).Item(1%)"});
   EXPECT_EQ(Actions(), create);
   EXPECT_TRUE(SameValue(b.Get("Part"), shape));
-  RefHost::ClearJournal();
-  b.Call("Finish");
-  EXPECT_EQ(Actions(), FinishCalls(s, 1));
+  EXPECT_EQ(Finished(b), FinishCalls(s, 1));
 }
 
 TEST_F(Scene, BendSendsItsParametersInTheHostsNumbering) {
@@ -250,9 +254,7 @@ TEST_F(Scene, BendSendsItsParametersInTheHostsNumbering) {
   EXPECT_EQ(Actions("//Part//"), expected);
   EXPECT_TRUE(SameValue(bend.Get("BendComponent"), shape.Get("Components", 66).Call("Item", 1)));
   EXPECT_EQ(ToLong(bend.Get("Part").Get("Type")), 3);
-  RefHost::ClearJournal();
-  bend.Call("Finish");
-  EXPECT_EQ(Actions(), std::vector<std::string>{"call Scene1//Part//Flange.Update()"});
+  EXPECT_EQ(Finished(bend), std::vector<std::string>{"call Scene1//Part//Flange.Update()"});
 
   Variant tree(CreateObject("TessarkAO.TKTreeView"));
   tree.Set("Scene", page);
@@ -280,9 +282,7 @@ TEST_F(Scene, FormCreateInAnAssemblyAndFinish) {
   const Variant profile = shape.Get("Components", 15).Call("Item", 1).Get("Profile");
   b.Get("PathComponents").Call("Add");  // a path drawn there belongs to the shape's profile
   EXPECT_EQ(ToLong(profile.Get("Components", 3).Get("Count")), 1);
-  RefHost::ClearJournal();
-  b.Call("Finish");
-  EXPECT_EQ(Actions(), FinishCalls(s, 1));
+  EXPECT_EQ(Finished(b), FinishCalls(s, 1));
 
   // A second form in the new part finds its sheet-metal component.
   const Variant part = root.Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Item", 1);
@@ -310,9 +310,7 @@ TEST_F(Scene, CurvedStockDrawsItsArc) {
               "call " + paths + ".Item(1).AddArcTo(" + D(2.0 * std::cos(kQuarterTurn)) + ", " +
                   D(2.0 * std::sin(kQuarterTurn)) + ", " + D(std::tan(kQuarterTurn / 4)) + ")"});
   EXPECT_EQ(Actions(), expected);
-  RefHost::ClearJournal();
-  b.Call("Finish");
-  EXPECT_EQ(Actions(), FinishCalls(s, 1));
+  EXPECT_EQ(Finished(b), FinishCalls(s, 1));
 }
 
 // The arc as the host reads it back: end point on the circle at the sweep
@@ -364,9 +362,7 @@ TEST_F(Scene, ConicSendsItsNamedParameters) {
   EXPECT_EQ(ToDouble(Host::FindVariable(stock, "bottom RADIUS").Get("Value")), 2.5);
   EXPECT_TRUE(Host::FindVariable(stock, "Bottom").IsNothing());
   EXPECT_TRUE(Host::FindVariable(stock, "").IsNothing());
-  RefHost::ClearJournal();
-  b.Call("Finish");
-  EXPECT_EQ(Actions(), FinishCalls("Scene1//Part//Sheet Metal", 1));
+  EXPECT_EQ(Finished(b), FinishCalls("Scene1//Part//Sheet Metal", 1));
 
   // Both radii 0 is refused before any host call.
   Variant closed(CreateObject(kConic));
@@ -404,12 +400,10 @@ TEST(Builders, PlacementAndTheSceneAfterwards) {
       b.Call("Finish");
       const Variant placed =
           inAssembly ? top.Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Item", 2) : shape;
-      EXPECT_EQ(Var(placed, 4, 1), 10.0);
-      EXPECT_EQ(Var(placed, 4, 2), 20.0);
-      EXPECT_EQ(Var(placed, 4, 3), 5.0);
+      EXPECT_EQ(Xyz(placed), (std::array<double, 3>{10, 20, 5}));
       if (inAssembly) {
         EXPECT_FALSE(SameValue(placed, part));
-        for (int n = 1; n <= 3; ++n) EXPECT_EQ(Var(shape, 4, n), 0.0);
+        EXPECT_EQ(Xyz(shape), (std::array<double, 3>{0, 0, 0}));
         EXPECT_EQ(ToDouble(b.Get("Position").Get("PosX")), 0.0);  // zeroed for the feature
       }
       Variant tv(CreateObject("TessarkAO.TKTreeView"));
