@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -62,6 +63,10 @@ inline Ref<TKMatrix4d> Mat(const Mat4& m) {
 inline Vec4 Components(const Ref<Object>& v) {
   return RefCast<TKVector4d>(v)->Components();
 }
+
+// The four components, to compare at once.
+using Xyzw = std::array<double, 4>;
+inline Xyzw Of(const Ref<TKVector4d>& v) { return std::to_array(v->Components().c); }
 
 // Seeded inputs: coordinates in [-range, range].
 struct Random {

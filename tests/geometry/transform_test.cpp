@@ -20,36 +20,38 @@ Mat4 Placement(const TKTransform& t) {
   return m;
 }
 
+// The stored rotation: axis and angle.
+Xyzw RotationOf(const TKTransform& t) {
+  Xyzw r;
+  t.GetRotation(r[0], r[1], r[2], r[3]);
+  return r;
+}
+
+std::array<double, 3> PositionOf(const TKTransform& t) {
+  std::array<double, 3> p;
+  t.GetPosition(p[0], p[1], p[2]);
+  return p;
+}
+
 }  // namespace
 
 TEST(Transform, DocumentedValues) {
   auto t = MakeRef<TKTransform>();
-  double x, y, z, d;
-  t->GetRotation(x, y, z, d);
-  EXPECT_EQ(Norm(x, y, z) + d, 0.0);
-  EXPECT_EQ(t->AxisVector(1)->X(), 1.0);
+  EXPECT_EQ(RotationOf(*t), (Xyzw{0, 0, 0, 0}));
+  EXPECT_EQ(Of(t->AxisVector(1)), (Xyzw{1, 0, 0, 0}));
   t->SetRotation(0, 0, 2, 90);
-  t->GetRotation(x, y, z, d);
-  EXPECT_EQ(z, 1.0);
-  EXPECT_EQ(d, 90.0);
-  const Vec4 axis1 = t->AxisVector(1)->Components();
-  EXPECT_EQ(axis1.c[0], 0.0);
-  EXPECT_EQ(axis1.c[1], 1.0);
+  EXPECT_EQ(RotationOf(*t), (Xyzw{0, 0, 1, 90}));
+  EXPECT_EQ(Of(t->AxisVector(1)), (Xyzw{0, 1, 0, 0}));
   t->ShiftLocal(5, 0, 0);
-  t->GetPosition(x, y, z);
-  EXPECT_EQ(x, 0.0);
-  EXPECT_EQ(y, 5.0);
+  EXPECT_EQ(PositionOf(*t), (std::array<double, 3>{0, 5, 0}));
   t->SetPosition(1e-12, 1, 2);
-  t->GetPosition(x, y, z);
-  EXPECT_EQ(x, 0.0);
-  auto other = t->AxisVector(4);
-  EXPECT_EQ(other->Length(), 0.0);
+  EXPECT_EQ(PositionOf(*t), (std::array<double, 3>{0, 1, 2}));
+  EXPECT_EQ(t->AxisVector(4)->Length(), 0.0);
   EXPECT_EQ(t->AxisVector(1)->Y(), 1.0);
 
   // RotateAboutLocalAxis turns the axes but not the stored rotation.
   t->RotateAboutLocalAxis(3, 90);
-  t->GetRotation(x, y, z, d);
-  EXPECT_EQ(d, 90.0);
+  EXPECT_EQ(RotationOf(*t), (Xyzw{0, 0, 1, 90}));
   EXPECT_EQ(t->AxisVector(1)->X(), -1.0);
   t->SetPosition(0, 0, 0);
   const Vec4 p = Components(t->FrameMatrix().MultiplyByPoint(Vec(1, 0, 0)));
@@ -60,14 +62,11 @@ TEST(Transform, LocalAxesAreLiveAndShiftLocalRaisesAlongAZeroAxis) {
   auto t = MakeRef<TKTransform>();
   t->AxisVector(2)->SetPosition(0, 0, 2);  // the transform's own axis changes
   t->ShiftLocal(0, 3, 0);
-  double x, y, z;
-  t->GetPosition(x, y, z);
-  EXPECT_EQ(z, 3.0);
+  EXPECT_EQ(PositionOf(*t), (std::array<double, 3>{0, 0, 3}));
   t->AxisVector(1)->Zero();
   EXPECT_EQ(ErrorOf([&] { t->ShiftLocal(1, 0, 0); }), 11);
   EXPECT_EQ(ErrorOf([&] { t->ShiftLocal(0, 0, 0); }), 6);
-  t->GetPosition(x, y, z);
-  EXPECT_EQ(z, 3.0);
+  EXPECT_EQ(PositionOf(*t), (std::array<double, 3>{0, 0, 3}));
   Ref<Object> o = t;
   EXPECT_EQ(ErrorOf([&] { Call(o, "InheritTransform", {Variant::Nothing()}); }), 91);
 }

@@ -1,7 +1,5 @@
 // TKVector4d through its member table, against literal models where the
 // class takes a faster route.
-#include <array>
-
 #include "GeometrySupport.hpp"
 #include "automation/Catalogue.hpp"
 
@@ -15,9 +13,6 @@ Ref<Object> NewVector(double x, double y, double z) {
   Call(v, "SetPosition", {x, y, z});
   return v;
 }
-
-using Xyzw = std::array<double, 4>;
-Xyzw Of(const Ref<TKVector4d>& v) { return std::to_array(v->Components().c); }
 
 double Get(const Ref<Object>& o, std::string_view name, std::vector<Variant> args = {}) {
   return ToDouble(Call(o, name, std::move(args), CallKind::Get));
