@@ -93,21 +93,18 @@ TEST_F(UnitsTest, PageUnitsAskThePageEachTime) {
 }
 
 TEST_F(UnitsTest, PageLengthAndAngleUnits) {
-  struct Row {
-    double scale;
-    std::int32_t unit;
-  } lengths[] = {{0.001, 1},        {0.01, 2},  {1, 3},         {0.0254, 4},   {0.3048, 5},
-                 {0.9144, 6},       {0.5, 3},   {0.02540001, 4}, {0.0010099, 1}, {0.0010101, 3},
-                 {0.0254 + 0.00002, 3}, {-1, 3}, {0.011, 3}};
-  for (const Row& r : lengths)
-    EXPECT_EQ(ToLong(Method(units_, "GetPageLengthUnits", {Variant(Page(r.scale, 1))}).result), r.unit) << r.scale;
-  struct AngleRow {
-    double scale;
-    std::int32_t unit;
-  } angles[] = {{0.017453292519943278, 9}, {0.017453292519943295, 9}, {0.0174, 10},
-                {0.5, 10}, {1, 10}, {0.017453292519943278 + 0.00002, 10}};
-  for (const AngleRow& r : angles)
-    EXPECT_EQ(ToLong(Method(units_, "GetPageAngleUnits", {Variant(Page(1, r.scale))}).result), r.unit) << r.scale;
+  // The fixed unit whose factor matches the scale within the tolerance, else metres or radians.
+  const std::pair<double, std::int32_t> lengths[] = {
+      {0.001, 1}, {0.01, 2},       {1, 3},         {0.0254, 4},    {0.3048, 5},           {0.9144, 6},
+      {0.5, 3},   {0.02540001, 4}, {0.0010099, 1}, {0.0010101, 3}, {0.0254 + 0.00002, 3}, {-1, 3},
+      {0.011, 3}};
+  const std::pair<double, std::int32_t> angles[] = {
+      {0.017453292519943278, 9},           {0.017453292519943295, 9}, {0.0174, 10}, {0.5, 10}, {1, 10},
+      {0.017453292519943278 + 0.00002, 10}};
+  for (auto [scale, unit] : lengths)
+    EXPECT_EQ(ToLong(Method(units_, "GetPageLengthUnits", {Variant(Page(scale, 1))}).result), unit) << scale;
+  for (auto [scale, unit] : angles)
+    EXPECT_EQ(ToLong(Method(units_, "GetPageAngleUnits", {Variant(Page(1, scale))}).result), unit) << scale;
   // These take the page given, never the Page property.
   Invoke(units_, "Page", CallKind::Set, {Variant(Page(0.001, 1))});
   EXPECT_EQ(ErrorOf([&] { Method(units_, "GetPageLengthUnits", {Variant::Nothing()}); }), 91);
