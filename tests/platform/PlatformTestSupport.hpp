@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -54,5 +55,13 @@ class ScopedEnv {
   std::string name_;
   std::optional<std::string> old_;
 };
+
+// A stand-in for a system call of PosixCalls() that fails with errno `Error`:
+// `PosixCalls().open = &Failing<int, EACCES>;`.
+template <class Result, int Error>
+Result Failing(auto...) {
+  errno = Error;
+  return -1;
+}
 
 }  // namespace TessarkAO::Testing

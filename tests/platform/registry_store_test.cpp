@@ -18,6 +18,7 @@
 #include "platform/posix/Syscalls.hpp"
 
 using namespace TessarkAO;
+using TessarkAO::Testing::Failing;
 using TessarkAO::Testing::TempDir;
 
 namespace {
@@ -498,17 +499,11 @@ TEST_F(RegistryStoreTest, CorruptOrUnreadableStoreGivesAClearStatus) {
   store = OpenRegistryStore(dir_ / "reg.sqlite3");
   ASSERT_EQ(store->CreateKey(kHkeyCurrentUser, "x", h), 0);
   store = OpenRegistryStore(dir_ / "reg.sqlite3");
-  PosixCalls().open = [](const char*, int, mode_t) -> int {
-    errno = EACCES;
-    return -1;
-  };
+  PosixCalls().open = &Failing<int, EACCES>;
   EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), WinError::AccessDenied);
   EXPECT_NE(store->LastError().find("Permission denied"), std::string::npos);
   RestorePosixCalls();
-  PosixCalls().read = [](int, void*, std::size_t) -> ssize_t {
-    errno = EIO;
-    return -1;
-  };
+  PosixCalls().read = &Failing<ssize_t, EIO>;
   EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), WinError::RegistryIoFailed);
   // Once the file can be read again, the same store works.
   RestorePosixCalls();
@@ -516,10 +511,7 @@ TEST_F(RegistryStoreTest, CorruptOrUnreadableStoreGivesAClearStatus) {
   EXPECT_EQ(store->LastError(), "");
 
   // A folder that cannot be created for a new store.
-  PosixCalls().mkdir = [](const char*, mode_t) -> int {
-    errno = EACCES;
-    return -1;
-  };
+  PosixCalls().mkdir = &Failing<int, EACCES>;
   store = OpenRegistryStore(dir_ / "new/reg.sqlite3");
   EXPECT_EQ(store->CreateKey(kHkeyCurrentUser, "x", h), WinError::AccessDenied);
 }

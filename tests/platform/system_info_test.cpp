@@ -12,6 +12,7 @@
 #include "platform/posix/Syscalls.hpp"
 
 using namespace TessarkAO;
+using TessarkAO::Testing::Failing;
 using TessarkAO::Testing::ScopedEnv;
 using TessarkAO::Testing::TempDir;
 
@@ -69,10 +70,7 @@ TEST(SystemInfo, FileExistence) {
   EXPECT_EQ(FileExistenceError("v:\\bin.32\\tktools.dll"), 3);
 
   RestoreCalls restore;
-  PosixCalls().stat = [](const char*, struct ::stat*) -> int {
-    errno = EACCES;
-    return -1;
-  };
+  PosixCalls().stat = &Failing<int, EACCES>;
   EXPECT_EQ(FileExistenceError(dir / "tktools.dll"), 5);
 }
 
