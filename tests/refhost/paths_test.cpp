@@ -92,11 +92,7 @@ TEST(Paths, FitPointsAreInterpolated) {
       curve.Invoke("SetDefinitionByFitPoints", CallKind::Method, args);
       ASSERT_EQ(ToLong(curve.Get("FitPoints")), n);
       // The fit points are kept exactly as given, in order.
-      const std::vector<Pt> kept = PointsOf(curve, "GetFitPoint", n);
-      for (int i = 0; i < n; ++i) {
-        EXPECT_EQ(kept[static_cast<std::size_t>(i)].x, fit[static_cast<std::size_t>(i)].x) << i;
-        EXPECT_EQ(kept[static_cast<std::size_t>(i)].y, fit[static_cast<std::size_t>(i)].y) << i;
-      }
+      EXPECT_EQ(PointsOf(curve, "GetFitPoint", n), fit);
       const int np = ToLong(curve.Get("ControlPoints"));
       ASSERT_EQ(np, n);
       const int pdeg = std::min(degree, n - 1);
