@@ -9,12 +9,14 @@ names.  Shared objects of the system (SQLite, FreeType, ...) stay outside: the
 wheel is for the machine's own distribution.
 
 By default the project is configured afresh in build/wheel (Release, without
-tests).  TESSARKAO_BUILD_DIR names an already built tree to pack instead, as
-the tests do with theirs.
+tests; TESSARKAO_CMAKE_ARGS adds configure arguments, CMAKE_BUILD_PARALLEL_LEVEL
+limits the build's jobs).  TESSARKAO_BUILD_DIR names an already built tree to
+pack instead, as the tests do with theirs.
 """
 import glob
 import os
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -44,7 +46,7 @@ class CMakeBuild(build_ext):
         if not GIVEN_TREE:
             run("cmake", "-S", ROOT, "-B", TREE, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release",
                 "-DTK_BUILD_TESTS=OFF", "-DTK_BUILD_BENCH=OFF", "-DTK_BUILD_PYTHON=ON",
-                "-DPython_EXECUTABLE=" + sys.executable)
+                "-DPython_EXECUTABLE=" + sys.executable, *shlex.split(os.environ.get("TESSARKAO_CMAKE_ARGS", "")))
             run("cmake", "--build", TREE, "--target", "tessarkao_python")
         with tempfile.TemporaryDirectory() as stage:
             # The components the extension needs: the library (runtime) and
