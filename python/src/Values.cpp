@@ -48,7 +48,7 @@ struct State {
   PyTypeObject* refType = nullptr;
   PyObject* decimalType = nullptr;      // decimal.Decimal
   PyObject* typedClasses = nullptr;     // dict: wrapper class -> VarType code
-  // The numeric typed values (int and float subclasses, section 5).
+  // The numeric typed values: int and float subclasses (see RegisterNumber).
   PyTypeObject* integerType = nullptr;
   PyTypeObject* longType = nullptr;
   PyTypeObject* byteType = nullptr;
