@@ -119,9 +119,23 @@ class Loader {
     return v.get<bool>();
   }
 
-  const std::string& String(const Json& v) {
-    if (!v.is_string()) Fail("a text is expected here");
-    return v.get_ref<const std::string&>();
+  // A text: a JSON string, or {"bytes": "<hex>"} for one that is not valid
+  // UTF-8 (a lone surrogate that a caller's string held, say).
+  static bool IsText(const Json& v) { return v.is_string() || (v.is_object() && v.contains("bytes")); }
+  std::string String(const Json& v) {
+    if (v.is_string()) return v.get<std::string>();
+    if (!IsText(v) || v.size() != 1 || !v["bytes"].is_string()) Fail("a text is expected here");
+    const std::string& hex = v["bytes"].get_ref<const std::string&>();
+    auto digit = [&](char c) -> int {
+      if (c >= '0' && c <= '9') return c - '0';
+      if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+      Fail("\"bytes\" holds two lower-case hexadecimal digits a byte");
+    };
+    if (hex.size() % 2 != 0) Fail("\"bytes\" holds two lower-case hexadecimal digits a byte");
+    std::string out;
+    for (std::size_t i = 0; i < hex.size(); i += 2)
+      out.push_back(static_cast<char>(digit(hex[i]) * 16 + digit(hex[i + 1])));
+    return out;
   }
 
   const Json& Array(const Json& v) {
@@ -531,7 +545,7 @@ void Loader::ReadVariable(const Json& v, VarTable& table, std::int32_t number, b
     } else if (value) {
       if (value->is_boolean()) {
         type = VarType::Boolean;
-      } else if (value->is_string()) {
+      } else if (IsText(*value)) {
         type = VarType::String;
       } else if (value->is_number_integer()) {
         type = VarType::Long;
@@ -731,6 +745,25 @@ HostApplication& RequireApplication(const Ref<Object>& application) {
   return *app;
 }
 
+// Writes every string of `j` that is not valid UTF-8 as {"bytes": "<hex>"},
+// which the loader reads back to the same bytes: JSON text cannot carry
+// them, and a saved scene must load back equal.
+void EncodeNonUtf8(Json& j) {
+  if (j.is_string()) {
+    const std::string& text = j.get_ref<const std::string&>();
+    if (ValidUtf8(text) == text) return;
+    static constexpr char kHex[] = "0123456789abcdef";
+    std::string hex;
+    for (const char c : text) {
+      hex.push_back(kHex[static_cast<unsigned char>(c) >> 4]);
+      hex.push_back(kHex[static_cast<unsigned char>(c) & 15]);
+    }
+    j = Json::object({{"bytes", std::move(hex)}});
+  } else if (j.is_structured()) {
+    for (Json& item : j) EncodeNonUtf8(item);
+  }
+}
+
 }  // namespace
 
 Ref<Object> LoadSceneFromString(const std::string& json) { return LoadText(json, "scene"); }
@@ -774,9 +807,8 @@ std::string SaveSceneToString(const Ref<Object>& application) {
     pages.push_back(std::move(pj));
   }
   doc["pages"] = std::move(pages);
-  // Text that is not valid UTF-8 (possible only from C++ callers) is written
-  // with replacement characters rather than refused.
-  return doc.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
+  EncodeNonUtf8(doc);
+  return doc.dump(1, ' ', false, Json::error_handler_t::strict) + "\n";
 }
 
 void SaveScene(const Ref<Object>& application, const std::string& path) {

@@ -60,6 +60,18 @@ run_wine() {
   return "$rc"
 }
 
+# Runs a test program that prints PASS/FAIL lines and counts them; an exit
+# status other than 0 without a FAIL line of its own is a failure too.
+run_test_program() {
+  local name=$1 out rc
+  shift
+  out=$(run_wine "$@")
+  rc=$?
+  echo "$out"
+  count "$out"
+  [ $rc -eq 0 ] || grep -q '^FAIL ' <<<"$out" || fail_step "$name exited with $rc"
+}
+
 winpath() { local p=$1; echo "Z:${p//\//\\}"; }
 
 note "installing mingw-w64 and Wine"
@@ -103,11 +115,7 @@ x86_64-w64-mingw32-objdump -p "$bin/tktools.dll" | grep -q 'DLL Name: libstdc++\
   fail_step "tktools.dll depends on compiler runtime DLLs"
 
 note "in-process adapter test"
-out=$(run_wine "$bin/com_adapter_test.exe")
-rc=$?
-echo "$out"
-count "$out"
-[ $rc -eq 0 ] || grep -q '^FAIL ' <<<"$out" || fail_step "com_adapter_test exited with $rc"
+run_test_program com_adapter_test "$bin/com_adapter_test.exe"
 
 note "registering tktools.dll"
 if run_wine regsvr32 /s "$bin/tktools.dll"; then
@@ -118,11 +126,7 @@ else
 fi
 
 note "client test of the registered DLL"
-out=$(run_wine "$bin/com_client_test.exe")
-rc=$?
-echo "$out"
-count "$out"
-[ $rc -eq 0 ] || grep -q '^FAIL ' <<<"$out" || fail_step "com_client_test exited with $rc"
+run_test_program com_client_test "$bin/com_client_test.exe"
 
 note "VBScript tests"
 scripts_dir=$(mktemp -d /tmp/tessarkao-vbs.XXXXXX)

@@ -1,31 +1,5 @@
-# Cross-build for 32-bit (x86) Windows with mingw-w64 (posix thread model):
-# the server for 32-bit automation hosts, which load only a 32-bit DLL.
-#
-# Everything is linked statically (libgcc, libstdc++, winpthreads), so the
-# server DLL and the test programs need no compiler runtime DLLs beside them.
-# Programs that the build itself runs (the type-library generator) run
-# through Wine, which needs its 32-bit half (wine32) for them.
-set(CMAKE_SYSTEM_NAME Windows)
+# Cross-build for 32-bit (x86) Windows with mingw-w64: the server for 32-bit
+# automation hosts, which load only a 32-bit DLL.
 set(CMAKE_SYSTEM_PROCESSOR x86)
-
 set(TK_MINGW_PREFIX i686-w64-mingw32)
-set(CMAKE_C_COMPILER ${TK_MINGW_PREFIX}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${TK_MINGW_PREFIX}-g++-posix)
-set(CMAKE_RC_COMPILER ${TK_MINGW_PREFIX}-windres)
-set(CMAKE_AR ${TK_MINGW_PREFIX}-ar CACHE FILEPATH "")
-set(CMAKE_RANLIB ${TK_MINGW_PREFIX}-ranlib CACHE FILEPATH "")
-
-set(CMAKE_FIND_ROOT_PATH /usr/${TK_MINGW_PREFIX})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
-set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")
-
-find_program(TK_WINE_PROGRAM NAMES wine wine64)
-if(TK_WINE_PROGRAM)
-  set(CMAKE_CROSSCOMPILING_EMULATOR ${TK_WINE_PROGRAM})
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64-common.cmake)

@@ -1,30 +1,4 @@
-# Cross-build for 64-bit Windows with mingw-w64 (posix thread model).
-#
-# Everything is linked statically (libgcc, libstdc++, winpthreads), so the
-# server DLL and the test programs need no compiler runtime DLLs beside them.
-# Programs that the build itself runs (the type-library generator) run
-# through Wine.
-set(CMAKE_SYSTEM_NAME Windows)
+# Cross-build for 64-bit Windows with mingw-w64.
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
-
 set(TK_MINGW_PREFIX x86_64-w64-mingw32)
-set(CMAKE_C_COMPILER ${TK_MINGW_PREFIX}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${TK_MINGW_PREFIX}-g++-posix)
-set(CMAKE_RC_COMPILER ${TK_MINGW_PREFIX}-windres)
-set(CMAKE_AR ${TK_MINGW_PREFIX}-ar CACHE FILEPATH "")
-set(CMAKE_RANLIB ${TK_MINGW_PREFIX}-ranlib CACHE FILEPATH "")
-
-set(CMAKE_FIND_ROOT_PATH /usr/${TK_MINGW_PREFIX})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
-set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")
-
-find_program(TK_WINE_PROGRAM NAMES wine wine64)
-if(TK_WINE_PROGRAM)
-  set(CMAKE_CROSSCOMPILING_EMULATOR ${TK_WINE_PROGRAM})
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64-common.cmake)

@@ -62,12 +62,8 @@ wow64_leg() {
   fi
 
   note "client test of the 32-bit DLL"
-  local out rc
-  out=$(run_wine "$bin86/com_client_test.exe")
-  rc=$?
-  echo "$out"
-  count "$out"
-  [ $rc -eq 0 ] || grep -q '^FAIL ' <<<"$out" || fail_step "32-bit com_client_test exited with $rc"
+  local out
+  run_test_program "32-bit com_client_test" "$bin86/com_client_test.exe"
 
   note "VBScript session through the 32-bit script host"
   local scripts86

@@ -17,6 +17,8 @@ ClassInfo::ClassInfo(std::string name, std::vector<MemberInfo> members, DispId d
     : name_(std::move(name)), members_(std::move(members)), default_(defaultMember) {
   std::size_t size = 8;
   while (size < members_.size() * 2) size *= 2;
+  plain_.assign(members_.size() + 1, nullptr);
+  for (const MemberInfo& m : members_) plain_[static_cast<std::size_t>(m.id)] = m.get.guarded;
   slots_.assign(size, 0);
   mask_ = size - 1;
   for (std::size_t i = 0; i < members_.size(); ++i) {
@@ -41,8 +43,7 @@ namespace {
 // An argument that did not convert, on its way to the call that names it.
 class ArgumentError : public AutomationError {
  public:
-  ArgumentError(const AutomationError& e, std::size_t position)
-      : AutomationError(e), position_(position) {}
+  ArgumentError(const AutomationError& e, std::size_t position) : AutomationError(e), position_(position) {}
   std::size_t Position() const noexcept { return position_; }
 
  private:
@@ -60,9 +61,7 @@ std::string CallDescription(std::int32_t number, const std::string& source, cons
 
 }  // namespace
 
-void RaiseArgumentError(const AutomationError& e, std::size_t position) {
-  throw ArgumentError(e, position);
-}
+void RaiseArgumentError(const AutomationError& e, std::size_t position) { throw ArgumentError(e, position); }
 
 std::string ClassInfo::Source() const {
   for (const ClassRecord& r : Catalogue())
@@ -87,6 +86,12 @@ void ClassInfo::Fail(DispId id) const {
   }
 }
 
+void FailPlainCall(const Object& self) {
+  const ClassInfo* info = self.Class();
+  if (!info) throw CurrentError(std::string());
+  info->Fail(DispIdUnknown);
+}
+
 const Accessor& ClassInfo::AccessorFor(const MemberInfo& m, CallKind kind,
                                        std::span<const Variant> args) noexcept {
   switch (kind) {
@@ -95,10 +100,8 @@ const Accessor& ClassInfo::AccessorFor(const MemberInfo& m, CallKind kind,
       // assignment made without the Set keyword.
       if (!m.let && !args.empty() && args.back().IsObject()) return m.set;
       return m.let;
-    case CallKind::Set:
-      return m.set ? m.set : m.let;
-    default:
-      return m.get;
+    case CallKind::Set: return m.set ? m.set : m.let;
+    default: return m.get;
   }
 }
 
@@ -149,8 +152,7 @@ Variant ClassInfo::Invoke(Object* self, DispId id, CallKind kind, std::span<Vari
       }
     }
     const std::size_t extra = n > fixed ? n - fixed : 0;
-    SafeArray list =
-        SafeArray::Vector(VarType::Variant, 0, static_cast<std::int32_t>(extra) - 1);
+    SafeArray list = SafeArray::Vector(VarType::Variant, 0, static_cast<std::int32_t>(extra) - 1);
     for (std::size_t i = 0; i < extra; ++i) list.Data()[i] = args[fixed + i].Deref();
     local[fixed] = Variant(std::move(list));
     return call(std::span<Variant>(local.data(), total));

@@ -33,6 +33,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -244,6 +245,23 @@ Variant MemberThunk(Object* self, std::span<Variant> args) {
   return ThunkImpl<Fn, typename T::Class>(self, args, Sig{});
 }
 
+// Ends a failed call of a member without parameters made through its guarded
+// thunk: the exception being handled leaves as the AutomationError that
+// ClassInfo::Fail makes of it.  Only inside a catch block.
+[[noreturn]] void FailPlainCall(const Object& self);
+
+// The thunk of a member without parameters that translates its own
+// failures, so that the common call (a property read, a method without
+// arguments) goes from InvokeId to the member in one indirect call.
+template <auto Fn>
+Variant GuardedThunk(Object* self, std::span<Variant> args) {
+  try {
+    return MemberThunk<Fn>(self, args);
+  } catch (...) {
+    FailPlainCall(*self);
+  }
+}
+
 // ---------------------------------------------------------------------------
 // The type-erased table.
 
@@ -259,6 +277,7 @@ struct ParamInfo {
 // One call kind of a member: its thunk and its parameters.
 struct Accessor {
   Thunk thunk = nullptr;
+  Thunk guarded = nullptr;  // parameterless accessors: the thunk that translates its failures
   std::vector<ParamInfo> params;
   std::uint8_t required = 0;  // leading parameters that must be given
   VarType result = VarType::Empty;  // Empty: no result
@@ -287,12 +306,12 @@ class ClassInfo {
 
   // Case-insensitive lookup; DispIdUnknown when absent.
   DispId Find(std::string_view name) const noexcept;
-  // The parameterless property get or method of slot `id` (1-based, not the
-  // default member), or nullptr: the common call that needs no checks.
+  // The guarded thunk of the parameterless property get or method of slot
+  // `id` (1-based, not the default member), or nullptr: the common call that
+  // needs no checks.
   Thunk PlainGetter(DispId id) const noexcept {
-    if (id < 1 || static_cast<std::size_t>(id) > members_.size()) return nullptr;
-    const Accessor& a = members_[static_cast<std::size_t>(id - 1)].get;
-    return a.params.empty() ? a.thunk : nullptr;
+    const auto i = static_cast<std::uint32_t>(id);
+    return i < plain_.size() ? plain_[i] : nullptr;
   }
   // The member of a dispatch id (0 is the default member); nullptr when none.
   const MemberInfo* Member(DispId id) const noexcept;
@@ -322,6 +341,7 @@ class ClassInfo {
   std::string name_;
   std::vector<MemberInfo> members_;
   DispId default_ = DispIdUnknown;
+  std::vector<Thunk> plain_;         // by dispatch id: PlainGetter's answers
   std::vector<std::int32_t> slots_;  // open-addressing hash of lower-cased names
   std::uint64_t mask_ = 0;
 };
@@ -537,6 +557,7 @@ class ClassBuilder {
     static_assert(TableCheck<typename T::Args, Ann...>::kOk);
     Accessor a;
     a.thunk = &MemberThunk<Fn>;
+    if constexpr (T::kArity == 0) a.guarded = &GuardedThunk<Fn>;
     FillParams(a, static_cast<typename T::Args*>(nullptr));
     using R = typename T::Ret;
     if constexpr (!std::is_void_v<R>) a.result = ParamType<R>();
@@ -593,12 +614,9 @@ class Dispatch : public Base {
  public:
   using Base::Base;
   static const ClassInfo& StaticClass() {
-    static const ClassInfo info = [] {
-      ClassBuilder<C> b{std::string(C::kClassName)};
-      C::Describe(b);
-      return b.Build();
-    }();
-    return info;
+    if (const ClassInfo* c = built_.load(std::memory_order_acquire)) [[likely]]
+      return *c;
+    return BuildClass();
   }
   const ClassInfo* Class() const noexcept override { return &StaticClass(); }
 
@@ -614,17 +632,14 @@ class Dispatch : public Base {
   // calls, go straight to their thunk; everything else through the checks.
   Variant InvokeId(DispId id, CallKind kind, std::span<Variant> args) override {
     if constexpr (std::is_same_v<Base, Object>) {
-      const ClassInfo& info = StaticClass();
-      if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) {
-        if (Thunk t = info.PlainGetter(id)) {
-          try {
-            return t(this, args);
-          } catch (...) {
-            info.Fail(id);
-          }
+      // Nothing but loads and tests before the thunk, so that the call ends
+      // in a jump to it.
+      if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) [[likely]] {
+        if (const ClassInfo* c = built_.load(std::memory_order_acquire)) [[likely]] {
+          if (Thunk t = c->PlainGetter(id)) return t(this, args);
         }
       }
-      return info.Invoke(this, id, kind, args);
+      return InvokeChecked(id, kind, args);
     } else {
       return Base::InvokeId(id, kind, args);
     }
@@ -639,6 +654,21 @@ class Dispatch : public Base {
       return Base::Invoke(name, kind, args);
     }
   }
+
+ private:
+  [[gnu::noinline]] Variant InvokeChecked(DispId id, CallKind kind, std::span<Variant> args) {
+    return StaticClass().Invoke(this, id, kind, args);
+  }
+  [[gnu::noinline, gnu::cold]] static const ClassInfo& BuildClass() {
+    static const ClassInfo info = [] {
+      ClassBuilder<C> b{std::string(C::kClassName)};
+      C::Describe(b);
+      return b.Build();
+    }();
+    built_.store(&info, std::memory_order_release);
+    return info;
+  }
+  static inline std::atomic<const ClassInfo*> built_{nullptr};
 };
 
 }  // namespace TessarkAO

@@ -22,6 +22,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -83,11 +84,23 @@ class Variant {
   template <class T>
   Variant(T*) = delete;
 
-  Variant(const Variant&) = default;
-  Variant(Variant&&) noexcept = default;
-  Variant& operator=(const Variant&) = default;
-  Variant& operator=(Variant&&) noexcept = default;
-  ~Variant() = default;
+  Variant(const Variant& o) : s_(o.s_) {}
+  Variant(Variant&& o) noexcept : s_(std::move(o.s_)) {}
+  Variant& operator=(const Variant& o) {
+    s_ = o.s_;
+    return *this;
+  }
+  Variant& operator=(Variant&& o) noexcept {
+    s_ = std::move(o.s_);
+    return *this;
+  }
+  // Most variants hold a number: those end without the storage's visit (an
+  // indirect call through a table), which costs as much as the rest of a
+  // property read.
+  ~Variant() {
+    const std::size_t i = s_.index();  // npos when the storage is valueless
+    if (i >= 64 || ((kOwning >> i) & 1)) s_.~Storage();
+  }
 
   static Variant Null() noexcept;
   static Variant Missing() noexcept { return Variant(ErrorCode{kParamNotFound}); }
@@ -206,8 +219,19 @@ class Variant {
                 kAt<kDecimal, Decimal> && kAt<kByte, std::uint8_t> && kAt<kArray, ArrayBox> &&
                 kAt<kByRef, RefTag>);
 
+  // Bit i: alternative i owns something that its destructor releases.
+  static constexpr std::uint64_t kOwning = []<std::size_t... I>(std::index_sequence<I...>) {
+    return (0ull | ... |
+            (std::is_trivially_destructible_v<std::variant_alternative_t<I, Storage>> ? 0ull : 1ull << I));
+  }(std::make_index_sequence<std::variant_size_v<Storage>>{});
+  static_assert(kOwning == ((1ull << kString) | (1ull << kObject) | (1ull << kArray)));
+
  private:
-  Storage s_;
+  // Held in a union so that ~Variant decides whether the storage's own
+  // destructor needs to run.
+  union {
+    Storage s_{};
+  };
 };
 
 // Bounds are Longs: every SafeArray keeps its upper bounds within the Long

@@ -43,8 +43,4 @@ Variant TKExtrudeShape::Create(Variant parent) {
 TK_REGISTER_CLASS(TessarkAO::TKExtrudeShape)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKExtrudeDirection, "TKExtrudeShape",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKExtrude_Up),
-                            TK_ENUM_CONSTANT(TessarkAO::TKExtrude_Down),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKExtrudeDirection, "TKExtrudeShape", TKExtrude_Up, TKExtrude_Down)

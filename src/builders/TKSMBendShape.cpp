@@ -129,35 +129,17 @@ void TKSMBendShape::Finish() {
 TK_REGISTER_CLASS(TessarkAO::TKSMBendShape)
 
 // The enumerations of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendDirections, "TKSMBendShape",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDirection_Up),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDirection_Down),
-                        })
-TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendDropFlags, "TKSMBendShape",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_None),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_Autosize),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_AlignInside),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_AlignOutside),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_RadiusSeam),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_RadiusFromPreferences),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_AddFlatStock),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_SegmentOneHandleDisplayed),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendDropFlag_SegmentTwoHandleDisplayed),
-                        })
-TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendReliefTypes, "TKSMBendShape",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendRelief_None),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendRelief_Rectangular),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalBendRelief_Circular),
-                        })
-TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalReliefs, "TKSMBendShape",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_None),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_SegmentOneBelow),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_SegmentOneAbove),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_SegmentTwoBelow),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_SegmentTwoAbove),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalRelief_All),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendDirections, "TKSMBendShape", SheetMetalBendDirection_Up,
+                        SheetMetalBendDirection_Down)
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendDropFlags, "TKSMBendShape", SheetMetalBendDropFlag_None,
+                        SheetMetalBendDropFlag_Autosize, SheetMetalBendDropFlag_AlignInside,
+                        SheetMetalBendDropFlag_AlignOutside, SheetMetalBendDropFlag_RadiusSeam,
+                        SheetMetalBendDropFlag_RadiusFromPreferences, SheetMetalBendDropFlag_AddFlatStock,
+                        SheetMetalBendDropFlag_SegmentOneHandleDisplayed,
+                        SheetMetalBendDropFlag_SegmentTwoHandleDisplayed)
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalBendReliefTypes, "TKSMBendShape", SheetMetalBendRelief_None,
+                        SheetMetalBendRelief_Rectangular, SheetMetalBendRelief_Circular)
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalReliefs, "TKSMBendShape", SheetMetalRelief_None,
+                        SheetMetalRelief_SegmentOneBelow, SheetMetalRelief_SegmentOneAbove,
+                        SheetMetalRelief_SegmentTwoBelow, SheetMetalRelief_SegmentTwoAbove,
+                        SheetMetalRelief_All)

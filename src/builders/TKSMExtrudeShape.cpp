@@ -30,8 +30,5 @@ Variant TKSMExtrudeShape::Create(Variant parent) {
 TK_REGISTER_CLASS(TessarkAO::TKSMExtrudeShape)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalTypes, "TKSMExtrudeShape",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalType_FlatStock),
-                            TK_ENUM_CONSTANT(TessarkAO::SheetMetalType_Punch),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::ESheetMetalTypes, "TKSMExtrudeShape", SheetMetalType_FlatStock,
+                        SheetMetalType_Punch)

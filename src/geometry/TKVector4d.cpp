@@ -85,9 +85,7 @@ const TKVector4d* Native(const Ref<Object>& o) {
   return dynamic_cast<const TKVector4d*>(o.get());
 }
 
-double GetDouble(const Ref<Object>& o, std::string_view name) {
-  return ToDouble(Variant(o).Get(name));
-}
+double GetDouble(const Ref<Object>& o, std::string_view name) { return ToDouble(Variant(o).Get(name)); }
 
 }  // namespace
 
@@ -161,9 +159,7 @@ double TKVector4d::AngleBetween(Ref<Object> vector) const {
   return MatrixMath::ArcCos(c) * (180.0 / kPi);
 }
 
-bool TKVector4d::IsPerpendicular(Ref<Object> vector) const {
-  return std::abs(Dot(vector)) <= epsilon_;
-}
+bool TKVector4d::IsPerpendicular(Ref<Object> vector) const { return std::abs(Dot(vector)) <= epsilon_; }
 
 double TKVector4d::Dot(Ref<Object> vector) const {
   double bx, by, bz;
@@ -195,8 +191,7 @@ void TKVector4d::Copy(Ref<Object> vector) {
 
 void TKVector4d::Zero() { v_ = Vec4{{0.0, 0.0, 0.0, 0.0}}; }
 
-void TKVector4d::SetPositionFromPoints(double x1, double x2, double y1, double y2, double z1,
-                                       double z2) {
+void TKVector4d::SetPositionFromPoints(double x1, double x2, double y1, double y2, double z1, double z2) {
   SetPosition(Checked::Sub(x2, x1), Checked::Sub(y2, y1), Checked::Sub(z2, z1));
 }
 
@@ -318,9 +313,5 @@ TKColinearStatus TKVector4d::GetColinearStatus(Ref<Object> vector) const {
 TK_REGISTER_CLASS(TessarkAO::TKVector4d)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKColinearStatus, "TKVector4d",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKColinearStatus_NotColinear),
-                            TK_ENUM_CONSTANT(TessarkAO::TKColinearStatus_SameDirection),
-                            TK_ENUM_CONSTANT(TessarkAO::TKColinearStatus_OppositeDirection),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKColinearStatus, "TKVector4d", TKColinearStatus_NotColinear,
+                        TKColinearStatus_SameDirection, TKColinearStatus_OppositeDirection)

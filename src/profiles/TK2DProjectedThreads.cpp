@@ -79,19 +79,8 @@ bool TK2DProjectedThreads::GetProjectedThreadInformation(Ref<Object>, double&, d
 TK_REGISTER_CLASS(TessarkAO::TK2DProjectedThreads)
 
 // The enumerations of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::EProjectionFlags, "TK2DProjectedThreads",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayCosmeticThread),
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayCallout),
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayHoleInformation),
-                        })
-TK_REGISTER_ENUMERATION(TessarkAO::EHoleInformationFlags, "TK2DProjectedThreads",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayInfoExtent),
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayInfoDepth),
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayInfoCounterboreDepth),
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayInfoCounterboreDiameter),
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayInfoCountersinkDiameter),
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayInfoCountersinkAngle),
-                            TK_ENUM_CONSTANT(TessarkAO::DisplayInfoBottomAngle),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::EProjectionFlags, "TK2DProjectedThreads", DisplayCosmeticThread,
+                        DisplayCallout, DisplayHoleInformation)
+TK_REGISTER_ENUMERATION(TessarkAO::EHoleInformationFlags, "TK2DProjectedThreads", DisplayInfoExtent,
+                        DisplayInfoDepth, DisplayInfoCounterboreDepth, DisplayInfoCounterboreDiameter,
+                        DisplayInfoCountersinkDiameter, DisplayInfoCountersinkAngle, DisplayInfoBottomAngle)

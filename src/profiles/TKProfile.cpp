@@ -23,7 +23,6 @@ namespace TessarkAO {
 
 namespace {
 
-
 // Variable n of curve j of a host path.
 Variant PathVariable(const Variant& path, std::int32_t curve, std::int32_t n) {
   return path.Get("Variable", curve, n);
@@ -51,7 +50,8 @@ struct Reader {
     if (ToString(variable.Get("Expression")).empty()) return ToDouble(variable.Get("Value"));
     Variant value = variable.Get("Value");
     if (!units) units = CreateObject("TessarkAO.UnitUtils");
-    return ToDouble(Variant(units).Call("ConvertUnits", page, value, UNIT_PAGEUNITS, UNIT_SYSTEM_LENGTH_UNITS));
+    return ToDouble(
+        Variant(units).Call("ConvertUnits", page, value, UNIT_PAGEUNITS, UNIT_SYSTEM_LENGTH_UNITS));
   }
 };
 
@@ -492,9 +492,5 @@ void TKProfile::CopyProfile(Ref<TKProfile> source) {
 TK_REGISTER_CLASS(TessarkAO::TKProfile)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKDeparameterizeOptions, "TKProfile",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKDeparameterizeAll),
-                            TK_ENUM_CONSTANT(TessarkAO::TKDeparameterizeXAxis),
-                            TK_ENUM_CONSTANT(TessarkAO::TKDeparameterizeYAxis),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKDeparameterizeOptions, "TKProfile", TKDeparameterizeAll,
+                        TKDeparameterizeXAxis, TKDeparameterizeYAxis)

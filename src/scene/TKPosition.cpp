@@ -366,9 +366,4 @@ void TKPosition::ResetAnchor(double dblLengthRatio, double dblWidthRatio, double
 TK_REGISTER_CLASS(TessarkAO::TKPosition)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKZeroParameters, "TKPosition",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKZeroParameters::ZeroPosition),
-                            TK_ENUM_CONSTANT(TessarkAO::TKZeroParameters::ZeroRotation),
-                            TK_ENUM_CONSTANT(TessarkAO::TKZeroParameters::ZeroAll),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKZeroParameters, "TKPosition", ZeroPosition, ZeroRotation, ZeroAll)

@@ -172,15 +172,5 @@ Ref<Object> TKShape::SizeboxToParentTransform() {
 TK_REGISTER_CLASS(TessarkAO::TKShape)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKBoundingBoxIndices, "TKShape",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinX),
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinY),
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMinZ),
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxX),
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxY),
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKMaxZ),
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKLength),
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKWidth),
-                            TK_ENUM_CONSTANT(TessarkAO::TKBoundingBoxIndices::TKHeight),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKBoundingBoxIndices, "TKShape", TKMinX, TKMinY, TKMinZ, TKMaxX, TKMaxY,
+                        TKMaxZ, TKLength, TKWidth, TKHeight)

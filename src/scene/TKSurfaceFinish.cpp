@@ -147,12 +147,5 @@ void TKSurfaceFinish::UpdateColor() {
 TK_REGISTER_CLASS(TessarkAO::TKSurfaceFinish)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKSurfaceFinishes, "TKSurfaceFinish",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Aluminum),
-                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Brass),
-                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Bronze),
-                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Copper),
-                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Gold),
-                            TK_ENUM_CONSTANT(TessarkAO::TKSurfaceFinishes::Nylon),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKSurfaceFinishes, "TKSurfaceFinish", Aluminum, Brass, Bronze, Copper,
+                        Gold, Nylon)

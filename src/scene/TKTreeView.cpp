@@ -95,9 +95,4 @@ std::int32_t TKTreeView::ShapeDepth(std::int32_t lngIndex, std::int32_t lngShape
 TK_REGISTER_CLASS(TessarkAO::TKTreeView)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::RefreshSettings, "TKTreeView",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::RefreshSettings::OnDemand),
-                            TK_ENUM_CONSTANT(TessarkAO::RefreshSettings::OnNumberOfShapes),
-                            TK_ENUM_CONSTANT(TessarkAO::RefreshSettings::OnSetScene),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::RefreshSettings, "TKTreeView", OnDemand, OnNumberOfShapes, OnSetScene)

@@ -134,7 +134,8 @@ Ref<Object> TKSystemUtils::SetLocaleDLL(std::string& strMainDllName, std::string
     Step([&] {
       const std::u16string units = ToUtf16(strMainDllName);
       const std::size_t period = units.find(u'.');
-      const std::int64_t keep = (period == std::u16string::npos ? 0 : static_cast<std::int64_t>(period) + 1) - 3;
+      const std::int64_t keep =
+          (period == std::u16string::npos ? 0 : static_cast<std::int64_t>(period) + 1) - 3;
       if (keep < 0) Raise(Err::InvalidCall);
       strMainDllName = ToUtf8(units.substr(0, static_cast<std::size_t>(keep)));
     });
@@ -209,7 +210,8 @@ void TKSystemUtils::SetDefaultSystemFont(Ref<Object> objForm, bool bKeepProperti
 std::int32_t TKSystemUtils::ReadRegistryLongValue(std::int32_t lRootKey, std::string sSubKey,
                                                   std::string sValueName, std::int32_t& pValue) {
   std::int32_t status = 0;
-  const std::string text = Registry::ReadRegistryEntry(Registry::MapRegistryRoot(lRootKey), sSubKey, sValueName, status);
+  const std::string text =
+      Registry::ReadRegistryEntry(Registry::MapRegistryRoot(lRootKey), sSubKey, sValueName, status);
   if (status != 0 || text.empty() || !IsNumeric(Variant(text))) return 1;
   // Numeric text beyond a Long's range is not a value either.
   try {
@@ -253,22 +255,8 @@ std::string TKSystemUtils::EnvironmentVariable(std::string Variable) {
 TK_REGISTER_CLASS(TessarkAO::TKSystemUtils)
 
 // The enumerations of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKRegistryKeys, "TKSystemUtils",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKRegistry_HKEY_CLASSES_ROOT),
-                            TK_ENUM_CONSTANT(TessarkAO::TKRegistry_HKEY_LOCAL_MACHINE),
-                            TK_ENUM_CONSTANT(TessarkAO::TKRegistry_HKEY_CURRENT_USER),
-                        })
-TK_REGISTER_ENUMERATION(TessarkAO::TKOperatingSystems, "TKSystemUtils",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKOS_Unknown),
-                            TK_ENUM_CONSTANT(TessarkAO::TKOS_Windows31),
-                            TK_ENUM_CONSTANT(TessarkAO::TKOS_Windows95),
-                            TK_ENUM_CONSTANT(TessarkAO::TKOS_Windows98),
-                            TK_ENUM_CONSTANT(TessarkAO::TKOS_WindowsNT4),
-                        })
-TK_REGISTER_ENUMERATION(TessarkAO::TKSystemLCIDs, "TKSystemUtils",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::LCID_English),
-                            TK_ENUM_CONSTANT(TessarkAO::LCID_Japanese),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKRegistryKeys, "TKSystemUtils", TKRegistry_HKEY_CLASSES_ROOT,
+                        TKRegistry_HKEY_LOCAL_MACHINE, TKRegistry_HKEY_CURRENT_USER)
+TK_REGISTER_ENUMERATION(TessarkAO::TKOperatingSystems, "TKSystemUtils", TKOS_Unknown, TKOS_Windows31,
+                        TKOS_Windows95, TKOS_Windows98, TKOS_WindowsNT4)
+TK_REGISTER_ENUMERATION(TessarkAO::TKSystemLCIDs, "TKSystemUtils", LCID_English, LCID_Japanese)

@@ -32,18 +32,6 @@ std::int32_t UnitUtils::GetPageAngleUnits(Ref<Object> objPage) { return Units::P
 TK_REGISTER_CLASS(TessarkAO::UnitUtils)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKUnit, "UnitUtils",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_MILLIMETERS),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_CENTIMETERS),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_METERS),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_INCHES),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_FEET),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_YARDS),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_PAGEUNITS),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_PAGEANGLEUNITS),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_DEGREES),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_RADIANS),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_SYSTEM_LENGTH_UNITS),
-                            TK_ENUM_CONSTANT(TessarkAO::UNIT_SYSTEM_ANGLE_UNITS),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKUnit, "UnitUtils", UNIT_MILLIMETERS, UNIT_CENTIMETERS, UNIT_METERS,
+                        UNIT_INCHES, UNIT_FEET, UNIT_YARDS, UNIT_PAGEUNITS, UNIT_PAGEANGLEUNITS, UNIT_DEGREES,
+                        UNIT_RADIANS, UNIT_SYSTEM_LENGTH_UNITS, UNIT_SYSTEM_ANGLE_UNITS)

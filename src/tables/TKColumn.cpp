@@ -109,8 +109,8 @@ void TKColumn::LetColumnType(std::int32_t type) {
 }
 
 void TKColumn::LetNumberOfElements(std::int32_t n) {
-  const bool typed = type_ == TKColumnType_Double || type_ == TKColumnType_Object ||
-                     type_ == TKColumnType_String;
+  const bool typed =
+      type_ == TKColumnType_Double || type_ == TKColumnType_Object || type_ == TKColumnType_String;
   if (typed && n > 0) Tables::CheckElementCount(n);
   count_ = n;
   Changed();
@@ -283,7 +283,8 @@ void TKColumn::Permute(const std::vector<std::int32_t>& order) {
   auto apply = [&order](auto& store) {
     if (store.empty()) return;
     std::remove_reference_t<decltype(store)> out(store.size());
-    for (std::size_t i = 0; i < order.size(); ++i) out[i] = std::move(store[static_cast<std::size_t>(order[i])]);
+    for (std::size_t i = 0; i < order.size(); ++i)
+      out[i] = std::move(store[static_cast<std::size_t>(order[i])]);
     store.swap(out);
   };
   apply(doubles_);
@@ -317,8 +318,8 @@ bool TKColumn::AreElementsEqual(std::int32_t index1, std::int32_t index2) const 
 }
 
 std::int32_t TKColumn::Find(const Variant& value, std::int32_t startingIndex) {
-  const bool typed = type_ == TKColumnType_Double || type_ == TKColumnType_Object ||
-                     type_ == TKColumnType_String;
+  const bool typed =
+      type_ == TKColumnType_Double || type_ == TKColumnType_Object || type_ == TKColumnType_String;
   if (!typed || count_ < 1 || startingIndex > count_) return 0;  // nothing is visited
   if (startingIndex < 1) Raise(Err::SubscriptOutOfRange);
   const auto first = static_cast<std::size_t>(startingIndex - 1);
@@ -427,10 +428,5 @@ std::int32_t TKColumn::IndexSpan(std::int32_t index) const {
 TK_REGISTER_CLASS(TessarkAO::TKColumn)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKColumnTypes, "TKColumn",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKColumnType_None),
-                            TK_ENUM_CONSTANT(TessarkAO::TKColumnType_Double),
-                            TK_ENUM_CONSTANT(TessarkAO::TKColumnType_Object),
-                            TK_ENUM_CONSTANT(TessarkAO::TKColumnType_String),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKColumnTypes, "TKColumn", TKColumnType_None, TKColumnType_Double,
+                        TKColumnType_Object, TKColumnType_String)

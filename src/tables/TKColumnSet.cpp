@@ -307,8 +307,5 @@ bool TKColumnSet::MergeColumnSet(Ref<TKColumnSet> pColumnSet, std::int32_t start
 TK_REGISTER_CLASS(TessarkAO::TKColumnSet)
 
 // The enumeration of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKColumnSetSort, "TKColumnSet",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKColumnSetSort_Ascending),
-                            TK_ENUM_CONSTANT(TessarkAO::TKColumnSetSort_Descending),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKColumnSetSort, "TKColumnSet", TKColumnSetSort_Ascending,
+                        TKColumnSetSort_Descending)

@@ -160,34 +160,10 @@ std::int32_t DialogUtils::QueryTool(Ref<Object> objShape) {
 TK_REGISTER_CLASS(TessarkAO::DialogUtils)
 
 // The enumerations of the class's interface, for scripts and the type library.
-TK_REGISTER_ENUMERATION(TessarkAO::TKToolDialogs, "DialogUtils",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_ASSEMBLY),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_ASSEMBLYTREE),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_CUSTOM_HOLE),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_PATTERN),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_FASTENERS),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_SPURGEAR),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_HELIX),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_EXTRUDE),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_RIB),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_HOT_FORMED_STEEL),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_COLD_FORMED_STEEL),
-                            TK_ENUM_CONSTANT(TessarkAO::DLG_BEARINGS),
-                        })
-TK_REGISTER_ENUMERATION(TessarkAO::TKTools, "DialogUtils",
-                        {
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_NULL),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_ASSEMBLY),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_ASSEMBLYTREE),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_CUSTOM_HOLE),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_PATTERN),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_FASTENERS),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_SPURGEAR),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_HELIX),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_EXTRUDE),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_RIB),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_HOT_FORMED_STEEL),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_COLD_FORMED_STEEL),
-                            TK_ENUM_CONSTANT(TessarkAO::TKTOOL_BEARINGS),
-                        })
+TK_REGISTER_ENUMERATION(TessarkAO::TKToolDialogs, "DialogUtils", DLG_ASSEMBLY, DLG_ASSEMBLYTREE,
+                        DLG_CUSTOM_HOLE, DLG_PATTERN, DLG_FASTENERS, DLG_SPURGEAR, DLG_HELIX, DLG_EXTRUDE,
+                        DLG_RIB, DLG_HOT_FORMED_STEEL, DLG_COLD_FORMED_STEEL, DLG_BEARINGS)
+TK_REGISTER_ENUMERATION(TessarkAO::TKTools, "DialogUtils", TKTOOL_NULL, TKTOOL_ASSEMBLY, TKTOOL_ASSEMBLYTREE,
+                        TKTOOL_CUSTOM_HOLE, TKTOOL_PATTERN, TKTOOL_FASTENERS, TKTOOL_SPURGEAR, TKTOOL_HELIX,
+                        TKTOOL_EXTRUDE, TKTOOL_RIB, TKTOOL_HOT_FORMED_STEEL, TKTOOL_COLD_FORMED_STEEL,
+                        TKTOOL_BEARINGS)

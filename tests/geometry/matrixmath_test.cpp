@@ -1,5 +1,4 @@
-// The MatrixMath array procedures (never raising, shape rules), ArcCos, and
-// the member tables' slot order, which callers bind to by dispatch id.
+// The MatrixMath array procedures (never raising, shape rules) and ArcCos.
 #include "GeometrySupport.hpp"
 
 #include "automation/Catalogue.hpp"
@@ -78,21 +77,4 @@ TEST(MatrixMath, ArcCosReportsZeroAtBothEnds) {
   EXPECT_EQ(MatrixMath::ArcCos(2.0), 0.0);
   EXPECT_EQ(MatrixMath::ArcCos(0.0), 2 * std::atan(1.0));
   for (double x = -0.999; x < 1.0; x += 0.037) EXPECT_NEAR(MatrixMath::ArcCos(x), std::acos(x), 1e-14);
-}
-
-TEST(MatrixMath, MemberTablesKeepTheirSlots) {
-  auto slot = [](std::string_view progId, std::string_view member) {
-    return CreateObject(progId)->GetDispId(member);
-  };
-  EXPECT_EQ(slot("TessarkAO.TKVector4d", "Z"), 3);
-  EXPECT_EQ(slot("TessarkAO.TKVector4d", "Length"), 9);
-  EXPECT_EQ(slot("TessarkAO.TKVector4d", "AcquireMatrix"), 22);
-  EXPECT_EQ(slot("TessarkAO.TKVector4d", "GetColinearStatus"), 25);
-  EXPECT_EQ(slot("TessarkAO.TKMatrix4d", "Invert"), 7);
-  EXPECT_EQ(slot("TessarkAO.TKMatrix4d", "SetRotationAboutArbitraryAxis"), 22);
-  EXPECT_EQ(slot("TessarkAO.TKMatrix4d", "CopyFromIUnknown"), 28);
-  EXPECT_EQ(slot("TessarkAO.TKMatrix4d", "SetRotationFromPtAxisAndPlaneToPtAxisAndPlane"), 31);
-  EXPECT_EQ(slot("TessarkAO.TKTransform", "AxisVector"), 8);
-  EXPECT_EQ(slot("TessarkAO.TKTransform", "Epsilon"), 10);
-  EXPECT_EQ(slot("TessarkAO.TK2DLine", "GetIntersectionPoint"), 6);
 }

@@ -130,8 +130,6 @@ TEST(Vector, MoveAlongVectorAndErrors) {
   EXPECT_EQ(ErrorOf([&] { Call(o, "Value", {4}, CallKind::Get); }), 9);
   EXPECT_EQ(ErrorOf([&] { Call(o, "Value", {-1}, CallKind::Get); }), 9);
   EXPECT_EQ(ErrorOf([&] { Call(o, "Value", {4, 1.0}, CallKind::Let); }), 9);
-  EXPECT_EQ(ErrorOf([&] { Call(o, "SetPosition", {1.0, 2.0}); }), 449);
-  EXPECT_EQ(ErrorOf([&] { Call(o, "SetPosition", {"a", 2.0, 3.0}); }), 13);
   EXPECT_EQ(ErrorOf([&] { Call(o, "Dot", {1.0}); }), 424);
   EXPECT_EQ(ErrorOf([&] { Call(o, "Dot", {Variant::Nothing()}); }), 91);
   EXPECT_EQ(ErrorOf([&] { Call(o, "Stretch", {1e300, 1e300, 1e300}); }), 0);

@@ -164,9 +164,4 @@ TEST(SystemInfo, DefaultGuiFontComesFromFontconfig) {
   EXPECT_EQ(again.faceName, font.faceName);
 }
 
-TEST(SystemInfo, NoVersionRecordOffWindows) {
-  OsVersionRecord record;
-  EXPECT_FALSE(GetOsVersion(record));
-}
-
 }  // namespace

@@ -35,9 +35,6 @@ def test_methods_take_optional_and_named_arguments(sample):
     x, y, z = tk.Ref(), tk.Ref(), tk.Ref()
     sample.GetPosition(x, y, z)
     assert (x.value, y.value, z.value) == (1.0, 2.0, 3.0)
-    sample.SetPosition(4)  # the rest default to 0
-    sample.GetPosition(x, y, z)
-    assert (x.value, y.value, z.value) == (4.0, 0.0, 0.0)
     sample.SetPosition(7, dblz=8)  # by parameter name, case-insensitive
     sample.GetPosition(x, y, z)
     assert (x.value, y.value, z.value) == (7.0, 0.0, 8.0)

@@ -90,14 +90,6 @@ def test_a_failing_save_says_why_once(tmp_path, capfd):
     assert capfd.readouterr().err == ""  # nothing of the writer's own
 
 
-def test_column_27_is_refused_and_reaches_the_caller(tmp_path):
-    path = str(tmp_path / "wide.xlsx")
-    with pytest.raises(tk.AutomationError) as e:
-        tk.CreateObject("TessarkAO.TKExports").ExportBOMToExcel(Bom(path, [list(range(27))]))
-    assert e.value.number == 1004
-    assert not os.path.exists(path)
-
-
 def test_not_installed_message(tmp_path):
     path = str(tmp_path / "none.xlsx")
     script = (

@@ -88,14 +88,6 @@ def test_error_texts_are_always_text(tmp_path, raises_number):
     assert (e.value.number, e.value.description) == (5, "bad \udcff text")
 
 
-def test_absurd_sizes_are_7_with_nothing_kept(raises_number):
-    column = tk.CreateObject("TessarkAO.TKColumn")
-    assert column.SetAtGrow(2147483647, 1.0) is False
-    assert raises_number(lambda: column.Spans) == 7
-    column.NumberOfElements = 2
-    assert column.Spans == 2
-
-
 @pytest.mark.skipif(not os.path.exists(TKTOOLS), reason="tktools was not built")
 def test_tktools_reports_the_number_and_valid_text(tmp_path):
     app = tk.refhost.new_application()

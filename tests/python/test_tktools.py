@@ -45,26 +45,6 @@ def write(path, text):
     return str(path)
 
 
-def test_run_builds_on_a_new_scene_and_saves_it(tmp_path):
-    script = write(
-        tmp_path / "make.py",
-        "import sys\n"
-        "root = app.ActivePage.Shape\n"
-        "part = root.Components(2).Item(1).Shapes(3).Add()\n"
-        "part.Name = sys.argv[1]\n"
-        "print('made', part.Name, tk.CreateObject('TessarkAO.Localizer').LoadString(101))\n",
-    )
-    out = tmp_path / "out.json"
-    r = tktools("run", script, "--save", str(out), "--", "Gear")
-    assert r.returncode == 0, r.stderr
-    assert r.stdout == "made Gear millimeters\n"
-    assert "Gear" in out.read_text() and json.loads(out.read_text())["format"] == "tessarkao-scene"
-    # The saved scene is the starting point of the next run.
-    check = write(tmp_path / "check.py", "print(app.ActivePage.Shape.Components(2).Item(1).Shapes(3).Count)\n")
-    r = tktools("run", check, "--scene", str(out))
-    assert (r.returncode, r.stdout) == (0, "1\n")
-
-
 def test_script_failures_and_exit_status(tmp_path):
     r = tktools("run", write(tmp_path / "bad.py", "x = 1\napp.NoSuchMember\n"))
     assert r.returncode == 1

@@ -20,15 +20,6 @@ namespace TessarkAO::RefHostTest {
 
 using Testing::ErrorOf;
 
-inline std::string MessageOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AutomationError& e) {
-    return e.Description();
-  }
-  return "(no error)";
-}
-
 inline Variant Root(const Variant& app) { return app.Get("ActivePage").Get("Shape"); }
 
 // The component of a type, as the library looks it up (adding it if missing).

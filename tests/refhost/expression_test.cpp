@@ -40,7 +40,9 @@ TEST(Expression, ErrorsNameTheProblem) {
   EXPECT_EQ(ErrorOf([] { Eval("1e999"); }), 6);
   for (const char* bad : {"", "(1", "1 +", "1 2", "Sizebox\\", "*3", "1..2", "2e", "Nope\\X", "h)"})
     EXPECT_EQ(ErrorOf([&] { Eval(bad); }), 5) << bad;
-  EXPECT_NE(MessageOf([] { Eval("1 + Nope\\X"); }).find("at character 5"), std::string::npos);
+  std::string message;
+  ErrorOf([] { Eval("1 + Nope\\X"); }, &message);
+  EXPECT_NE(message.find("at character 5"), std::string::npos);
   EXPECT_EQ(ErrorOf([] { Eval(std::string(500, '(') + "1" + std::string(500, ')')); }), 16);
 }
 

@@ -80,30 +80,8 @@ TEST(Model, ComponentsAndVariablesByNumber) {
 
   EXPECT_EQ(ErrorOf([&] { part.Get("Components", 18).Call("Add"); }), 5);
   EXPECT_EQ(ErrorOf([&] { part.Get("Components", 21).Call("Add"); }), 5);
-  EXPECT_EQ(ErrorOf([&] { part.Get("Components", "four"); }), 13);
-  EXPECT_EQ(ErrorOf([&] { part.Get("Components"); }), 449);
   EXPECT_EQ(ErrorOf([&] { app.Get("ActivePage").Get("UnitsScale", 3); }), 5);
   EXPECT_EQ(ErrorOf([&] { app.Get("ActivePage").Let("UnitsScale", 2, 0.0); }), 5);
-}
-
-TEST(Model, UnknownMembersRaise438OnEveryObject) {
-  Variant app(RefHost::NewApplication());
-  Variant page = app.Get("ActivePage");
-  Variant root = page.Get("Shape");
-  Variant ext = AddShape(root, 5);
-  Variant facet = AddShape(root, 2);
-  Variant bend = AddShape(root, 14);
-  Variant path = ProfileOf(ext).Get("Components", 3).Call("Add");
-  const Variant list2 = root.Get("Components", 2), group = list2.Call("Item", 1), pos = Comp(ext, 4);
-  const Variant finish = Comp(ext, 7), faces = Comp(facet, 10).Get("Faces"), profile = ProfileOf(ext);
-  const Variant objects[] = {app, app.Get("Pages"), page, page.Get("SelectedItems"), root, root.Get("BoundingBox"),
-                             list2, group, group.Get("Shapes"), pos, pos.Call("Variable", 1), pos.Get("Variables"),
-                             finish, finish.Get("SurfaceFinish"), faces, faces.Call("Add"), Comp(bend, 66), profile,
-                             path, path.Get("Curves"), path.Call("AddLineTo", 1.0, 1.0)};
-  for (const Variant& o : objects) {
-    EXPECT_EQ(ErrorOf([&] { o.Get("NoSuchMember"); }), 438) << RefHost::DescribeObject(o.AsObject());
-    EXPECT_EQ(ErrorOf([&] { o.Call("Frobnicate", 1); }), 438) << RefHost::DescribeObject(o.AsObject());
-  }
 }
 
 TEST(Model, FinishBendAndFaceComponents) {

@@ -144,7 +144,6 @@ TEST(Paths, ArgumentsTheHostRefuses) {
   twice.Put(3, 1, Variant(1.0));
   EXPECT_EQ(ErrorOf([&] { spline.Call("SetDefinitionByFitPoints", 3, false, false, twice); }), 5);
   EXPECT_EQ(ErrorOf([&] { paths.Call("Item", 2); }), 9);
-  EXPECT_EQ(ErrorOf([&] { p.Call("AddLineTo", "a", 1.0); }), 13);
   // A profile holds paths only.
   EXPECT_EQ(ErrorOf([&] { ProfileOf(ext).Get("Components", 4).Call("Add"); }), 5);
 }

@@ -198,7 +198,9 @@ TEST(SceneFile, FilesOnDisk) {
   EXPECT_EQ(ErrorOf([&] { RefHost::SaveScene(Ref<Object>(), file); }), 91);
   EXPECT_EQ(ErrorOf([&] { RefHost::SaveScene(app.Get("ActivePage").AsObject(), file); }), 13);
   std::ofstream(file) << "{\n  \"pages\": [\n    {\"name\": 5}\n  ]\n}\n";
-  EXPECT_EQ(MessageOf([&] { RefHost::LoadScene(file); }), file + ": /pages/0/name: a text is expected here");
+  std::string message;
+  EXPECT_EQ(ErrorOf([&] { RefHost::LoadScene(file); }, &message), 321);
+  EXPECT_EQ(message, file + ": /pages/0/name: a text is expected here");
   std::filesystem::remove_all(dir);
 }
 
@@ -293,38 +295,15 @@ TEST(SceneFile, MalformedFilesNameThePlace) {
   EXPECT_NE(LoadError(deep).find("nested deeper than 1000 levels"), std::string::npos);
 }
 
-TEST(SceneFile, DamagedFilesNeverCrashTheLoader) {
-  const std::string good = RefHost::SaveSceneToString(RichScene(2, 6).AsObject());
-  std::mt19937 rng(1234);
-  std::uniform_int_distribution<std::size_t> at(0, good.size() - 1);
-  const char junk[] = {'{', '}', '[', ']', '"', ',', ':', '0', '-', 'e', 'x', '\\', ' ', '\0'};
-  int loaded = 0;
-  for (int i = 0; i < 200; ++i) {
-    std::string bad = good;
-    const int edits = std::uniform_int_distribution<int>(1, 3)(rng);
-    for (int e = 0; e < edits; ++e) {
-      const std::size_t p = at(rng);
-      switch (std::uniform_int_distribution<int>(0, 2)(rng)) {
-        case 0: bad.erase(p, std::min<std::size_t>(bad.size() - p, 1 + p % 7)); break;
-        case 1: bad.insert(p, 1, junk[p % sizeof junk]); break;
-        default: bad[p] = junk[(p / 3) % sizeof junk]; break;
-      }
-    }
-    const std::string result = LoadError(bad);
-    if (result == "loaded") {
-      ++loaded;
-    } else {
-      EXPECT_EQ(result.substr(0, 4), "321 ") << result;
-    }
-  }
-  EXPECT_LT(loaded, 200);
-}
-
-TEST(SceneFile, NamesThatAreNotUtf8AreSavedWithReplacementCharacters) {
+TEST(SceneFile, NamesThatAreNotUtf8LoadBackAsTheSameBytes) {
   Variant app(RefHost::NewApplication());
-  AddShape(Root(app), 3).Let("Name", std::string("Bad\xff"));
-  Variant back(RefHost::LoadSceneFromString(RefHost::SaveSceneToString(app.AsObject())));
+  // A lone surrogate as a caller's string carries it, and a stray byte.
+  const std::string name = std::string("Bad\xed\xa0\x80 \xff");
+  AddShape(Root(app), 3).Let("Name", name);
+  const std::string text = RefHost::SaveSceneToString(app.AsObject());
+  Variant back(RefHost::LoadSceneFromString(text));
   EXPECT_EQ(
-      ToString(Root(back).Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Item", 1).Get("Name")),
-      "Bad\xef\xbf\xbd");
+      ToString(Root(back).Get("Components", 2).Call("Item", 1).Get("Shapes").Call("Item", 1).Get("Name")), name);
+  EXPECT_EQ(RefHost::SaveSceneToString(back.AsObject()), text);
+  EXPECT_EQ(ErrorOf([&] { RefHost::LoadSceneFromString(std::string(text).replace(text.find("\"bytes\": \"") + 10, 1, "g")); }), 321);
 }

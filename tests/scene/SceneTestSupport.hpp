@@ -13,21 +13,14 @@
 #include "automation/Convert.hpp"
 #include "automation/Variant.hpp"
 #include "refhost/RefHost.hpp"
+#include "refhost/RefHostTestSupport.hpp"
 #include "TestSupport.hpp"
 
 namespace TessarkAO::SceneTest {
 
-using Testing::ErrorOf;
+using namespace RefHostTest;  // Root, Comp, SetVar, GetVar
 
-inline Variant Root(const Variant& app) { return app.Get("ActivePage").Get("Shape"); }
 inline Variant Page(const Variant& app) { return app.Get("ActivePage"); }
-
-// The first component of a type, added when the shape has none.
-inline Variant Comp(const Variant& shape, int type) {
-  const Variant list = shape.Get("Components", type);
-  if (ToLong(list.Get("Count")) == 0) return list.Call("Add");
-  return list.Call("Item", 1);
-}
 
 inline std::int32_t CountOf(const Variant& shape, int type) {
   return ToLong(shape.Get("Components", type).Get("Count"));
@@ -35,18 +28,9 @@ inline std::int32_t CountOf(const Variant& shape, int type) {
 
 // A new shape of `kind` named `name` under an assembly (1) or a part (3).
 inline Variant AddShape(const Variant& parent, int kind, const std::string& name) {
-  const int holder = ToLong(parent.Get("Type")) == 3 ? 23 : 2;
-  Variant shape = Comp(parent, holder).Get("Shapes", kind).Call("Add");
+  Variant shape = RefHostTest::AddShape(parent, kind);
   shape.Let("Name", name);
   return shape;
-}
-
-inline void SetVar(const Variant& shape, int type, int n, const Variant& v) {
-  Comp(shape, type).Call("Variable", n).Let("Value", v);
-}
-
-inline double GetVar(const Variant& shape, int type, int n) {
-  return ToDouble(Comp(shape, type).Call("Variable", n).Get("Value"));
 }
 
 inline bool Same(const Variant& a, const Variant& b) { return a.AsObject().get() == b.AsObject().get(); }

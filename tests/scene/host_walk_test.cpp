@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <map>
 #include <memory>
 
 #include "TestSupport.hpp"
@@ -17,30 +16,11 @@ using Testing::ErrorOf;
 
 namespace {
 
-// A host object whose members are lambdas: Get and Let alike call them.
-class Fake final : public Object {
- public:
-  using Member = std::function<Variant(std::span<Variant>)>;
-  Fake& On(const std::string& name, Member m) {
-    members_[name] = std::move(m);
-    return *this;
-  }
-  Fake& Value(const std::string& name, Variant v) {
-    return On(name, [v](std::span<Variant>) { return v; });
-  }
-  Variant Invoke(std::string_view name, CallKind, std::span<Variant> args) override {
-    auto it = members_.find(std::string(name));
-    if (it == members_.end()) Raise(Err::NoSuchMember);
-    return it->second(args);
-  }
-
- private:
-  std::map<std::string, Member> members_;
-};
+using Fake = Testing::FakeObject;
 
 Ref<Fake> Collection(std::int32_t count, std::function<Variant()> item) {
   auto c = MakeRef<Fake>();
-  c->Value("Count", count).On("Item", [item](std::span<Variant>) { return item(); });
+  c->Value("Count", count).On("Item", [item](CallKind, std::span<Variant>) { return item(); });
   return c;
 }
 
@@ -52,7 +32,7 @@ Ref<Fake> Assembly(std::function<Variant()> child) {
   group->Value("Shapes", Variant(shapes));
   auto groups = Collection(1, [group] { return Variant(group); });
   auto none = Collection(0, [] { return Variant(); });
-  shape->Value("Type", 1).Value("Name", "A").On("Components", [groups, none](std::span<Variant> a) {
+  shape->Value("Type", 1).Value("Name", "A").On("Components", [groups, none](CallKind, std::span<Variant> a) {
     return ToLong(a[0]) == 2 ? Variant(groups) : Variant(none);
   });
   return shape;
@@ -88,19 +68,21 @@ TEST(HostWalk, ParentChainsThatReturnEndIn28) {
   auto page = MakeRef<Fake>();
   page->Value("Shape", Variant(r));
   auto studio = Collection(1, [] { return Variant(); });
-  top->Value("Page", Variant(page)).Value("Name", "").On("Components", [studio](std::span<Variant>) {
-    return Variant(studio);
-  });
+  top->Value("Page", Variant(page))
+      .Value("Name", "")
+      .On("Components", [studio](CallKind, std::span<Variant>) { return Variant(studio); });
   auto app = MakeRef<Fake>();
   app->Value("ActivePage", Variant(page));
   auto s = MakeRef<Fake>();
   s->Value("Application", Variant(app));
   for (const Ref<Fake>& shape : {s, r}) {
     auto name = std::make_shared<Variant>(shape == s ? "S" : "R");
-    shape->Value("SystemID", 7).Value("Parent", Variant(top)).On("Name", [name](std::span<Variant> a) {
-      if (!a.empty()) *name = a.back();
-      return *name;
-    });
+    shape->Value("SystemID", 7)
+        .Value("Parent", Variant(top))
+        .On("Name", [name](CallKind, std::span<Variant> a) {
+          if (!a.empty()) *name = a.back();
+          return *name;
+        });
   }
   const Variant position(CreateObject("TessarkAO.TKPosition"));
   position.Set("Shape", Variant(s));

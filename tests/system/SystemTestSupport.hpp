@@ -34,26 +34,6 @@ class SystemTest : public ::testing::Test {
   ScopedEnv lcAll_;
 };
 
-// A host object whose members are lambdas, recording each call by name.
-class FakeObject final : public Object {
- public:
-  using Member = std::function<Variant(CallKind, std::span<Variant>)>;
-  FakeObject& On(const std::string& name, Member m) {
-    members_[LowerCase(name)] = std::move(m);
-    return *this;
-  }
-  Variant Invoke(std::string_view name, CallKind kind, std::span<Variant> args) override {
-    calls.push_back(std::string(name));
-    auto it = members_.find(LowerCase(name));
-    if (it == members_.end()) Raise(Err::NoSuchMember);
-    return it->second(kind, args);
-  }
-  std::vector<std::string> calls;
-
- private:
-  std::map<std::string, Member> members_;
-};
-
 // A late-bound call whose arguments stay readable afterwards (outputs).
 struct CallResult {
   Variant result;

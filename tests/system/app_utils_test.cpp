@@ -17,18 +17,6 @@ class AppUtilsTest : public SystemTest {
   std::string Text(std::string_view name) { return Prop(app_, name).AsString(); }
 };
 
-TEST_F(AppUtilsTest, MembersInSlotOrder) {
-  const char* names[] = {
-      "Path", "ApplicationVersion", "ProductInRegistryCurrentUser", "ProductInRegistryLocalMachine",
-      "CommonInRegistryCurrentUser", "CommonInRegistryLocalMachine", "GetRegistryPreferenceString",
-      "GetRegistryPreferenceLong", "RegistryPreferenceBegin", "RegistryPreferenceEnd",
-      "GetCommonRegistryPreferenceString", "GetCommonRegistryPreferenceLong", "ProgID", "CommonBinariesPath",
-      "ApplicationDataFolder", "CommonApplicationDataFolder", "PersonalFolder"};
-  const ClassInfo* info = app_->Class();
-  ASSERT_EQ(info->Members().size(), std::size(names));
-  for (std::size_t i = 0; i < std::size(names); ++i) EXPECT_EQ(info->Find(names[i]), static_cast<DispId>(i + 1));
-}
-
 TEST_F(AppUtilsTest, EmptyRegistryDefaults) {
   EXPECT_EQ(Text("ProductInRegistryCurrentUser"), "SOFTWARE\\Tessark\\TESSARK 6.0");
   EXPECT_EQ(Text("ProductInRegistryLocalMachine"), "SOFTWARE\\Tessark\\New User Settings\\TESSARK 6.0");

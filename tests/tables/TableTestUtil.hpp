@@ -25,13 +25,6 @@ inline Variant Invoke(const Ref<Object>& o, std::string_view name, CallKind kind
   return o->Invoke(name, kind, args);
 }
 
-// The member names of a class in slot order (the order fixes the dispatch ids).
-inline std::vector<std::string> MemberNames(const ClassInfo& info) {
-  std::vector<std::string> names;
-  for (const MemberInfo& m : info.Members()) names.push_back(m.name);
-  return names;
-}
-
 inline ParamArray List(const std::vector<std::int32_t>& numbers) {
   ParamArray p;
   p.items = SafeArray::Vector(VarType::Variant, 0, static_cast<std::int32_t>(numbers.size()) - 1);

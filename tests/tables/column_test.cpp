@@ -213,12 +213,4 @@ TEST(Column, BadInputRaisesTheClassicErrors) {
   EXPECT_EQ(Invoke(c, "Find", CallKind::Method, {Variant("Q")}).AsLong(), 1);
   std::vector<Variant> index = {Variant(1)};
   EXPECT_EQ(c->InvokeId(DispIdValue, CallKind::Method, index).AsString(), "q");  // GetAt is the default
-  EXPECT_EQ(ErrorOf([&] { Invoke(c, "SetAt", CallKind::Method, {Variant(1)}); }), 449);
-  EXPECT_EQ(ErrorOf([&] { Invoke(c, "SetAt", CallKind::Method, {Variant("x"), Variant("y")}); }), 13);
-  EXPECT_EQ(ErrorOf([&] { Invoke(c, "Spans", CallKind::Let, {Variant(1)}); }), 438);
-  EXPECT_EQ(MemberNames(TKColumn::StaticClass()), (std::vector<std::string>{
-                       "Find", "IsFirstValueGreater", "SpanIndex", "SpanValue", "Spans", "GetSpanLength",
-                       "ColumnType", "Swap", "NumberOfElements", "GetObjectValues", "GetDoubleValues",
-                       "GetStringValues", "SetDoubleValues", "SetObjectValues", "SetStringValues", "GetAt",
-                       "SetAt", "Add", "SetAtGrow", "RemoveAt", "IndexSpan"}));
 }

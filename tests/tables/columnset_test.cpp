@@ -276,17 +276,3 @@ TEST(ColumnSet, RowsColumnsCopiesAndMerges) {
   EXPECT_TRUE(set->GetElementAt(3, 4).IsNothing());
   EXPECT_EQ(ErrorOf([&] { set->MergeColumnSet(Ref<TKColumnSet>(), 1); }), 91);
 }
-
-TEST(ColumnSet, MembersInSlotOrder) {
-  EXPECT_EQ(MemberNames(TKColumnSet::StaticClass()), (std::vector<std::string>{"GetElementAt", "Item", "NumberOfRows", "NumberOfColumns",
-                                             "AddColumn", "AddRow", "GetSpanInformationForColumns",
-                                             "GetSpanInformationWithSpanContext", "GetSpanInformation",
-                                             "SortWithSpanContext", "Sort", "CreateColumnSetFromRows",
-                                             "MergeColumnSet"}));
-  Ref<Object> o = CreateObject("TessarkAO.TKColumnSet");
-  Invoke(o, "AddColumn", CallKind::Method, {Variant(1)});
-  // The default member is Item.
-  std::vector<Variant> one = {Variant(1)};
-  EXPECT_TRUE(o->InvokeId(DispIdValue, CallKind::Get, one).IsObject());
-  EXPECT_EQ(ErrorOf([&] { Invoke(o, "NumberOfColumns", CallKind::Let, {Variant(3)}); }), 438);
-}

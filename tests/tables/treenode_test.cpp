@@ -135,7 +135,4 @@ TEST(TreeNode, MembersThroughLateBoundCalls) {
   EXPECT_EQ(Invoke(root, "Nodes", CallKind::Get).AsLong(), 1);
   EXPECT_EQ(Invoke(root, "NodesWithData", CallKind::Get, {Variant(4), Variant("v")}).AsLong(), 1);
   EXPECT_TRUE(Invoke(root, "GetNodeWithData", CallKind::Method, {Variant(4), Variant("V")}).IsNothing());
-  EXPECT_EQ(ErrorOf([&] { Invoke(root, "Node", CallKind::Get); }), 449);
-  EXPECT_EQ(MemberNames(TKTreeNode::StaticClass()), (std::vector<std::string>{"Parent", "AddNode", "Nodes", "Node", "GetNodeWithData", "SetData",
-                                             "DataExists", "GetData", "Index", "NodesWithData"}));
 }

@@ -86,10 +86,6 @@ TEST(Export, WritesAWorkbookAndAnyFlagsIsThePlainLayout) {
     EXPECT_TRUE(IsZipFile(file)) << flags;
     EXPECT_EQ(bom->cellCalls, 15);
   }
-  // A table without rows still gives a saved workbook.
-  const std::string empty = (TempDir() / "empty.xlsx").string();
-  Export(MakeRef<Bom>(empty, 0, 4));
-  EXPECT_TRUE(IsZipFile(empty));
   EXPECT_TRUE(Ui().Messages().empty());
 }
 
@@ -106,22 +102,6 @@ TEST(Export, FailuresReachTheCaller) {
   bom->failAt = 2;
   EXPECT_EQ(ErrorOf([&] { Export(bom); }), Err::SubscriptOutOfRange);
   EXPECT_FALSE(std::filesystem::exists(failing));
-}
-
-TEST(Export, NotInstalledMessage) {
-  Ui().Clear();
-  Spreadsheet::SetAvailable(false);
-  const std::string file = (TempDir() / "none.xlsx").string();
-  Ref<Bom> bom = MakeRef<Bom>(file, 2, 2);
-  Export(bom);
-  Spreadsheet::SetAvailable(true);
-  ASSERT_EQ(Ui().Messages().size(), 1u);
-  EXPECT_EQ(Ui().Messages()[0].text, "Excel does not seem to be installed on this system.  Unable to export.");
-  EXPECT_EQ(Ui().Messages()[0].title, "Export BOM to Excel");
-  EXPECT_EQ(Ui().Messages()[0].icon, MessageIcon::Exclamation);
-  EXPECT_EQ(bom->cellCalls, 0);
-  EXPECT_FALSE(std::filesystem::exists(file));
-  Ui().Clear();
 }
 
 TEST(SpreadsheetObject, AddressesTypesFontsAndWidths) {

@@ -313,22 +313,6 @@ TEST_F(Import, CancelCloseAndNoSelectionEndSilently) {
   EXPECT_TRUE(SplineCalls().empty());
 }
 
-TEST_F(Import, MillionPointFile) {
-  RefHost::StopJournal();  // a million fit points are not worth journalling
-#if defined(__SANITIZE_ADDRESS__)
-  // Under the sanitizers the host's fit through a million points takes far
-  // too long; the million-line read itself is covered by its own test.
-  constexpr int kPoints = 20'000;
-#else
-  constexpr int kPoints = 1'000'000;
-#endif
-  std::string text;
-  for (int i = 0; i < kPoints; ++i) text += std::to_string(i % 1000) + " " + std::to_string((i * 7) % 1000) + "\n";
-  Run({WriteFile("million-points.txt", text)});
-  EXPECT_EQ(Messages(), std::vector<std::string>{kDone});
-  EXPECT_EQ(ToLong(Path().Get("Curves").Get("Count")), 1);
-}
-
 // An application without open scenes.
 class EmptyPages final : public Dispatch<EmptyPages> {
  public:

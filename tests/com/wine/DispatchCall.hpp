@@ -21,6 +21,7 @@ struct Var {
   VARIANT* operator&() { return &v; }
 };
 
+inline VARIANT Typed(VARTYPE vt) { VARIANT v; VariantInit(&v); V_VT(&v) = vt; return v; }
 inline VARIANT R8(double d) { VARIANT v; VariantInit(&v); V_VT(&v) = VT_R8; V_R8(&v) = d; return v; }
 inline VARIANT I4(long i) { VARIANT v; VariantInit(&v); V_VT(&v) = VT_I4; V_I4(&v) = i; return v; }
 inline VARIANT I2(short i) { VARIANT v; VariantInit(&v); V_VT(&v) = VT_I2; V_I2(&v) = i; return v; }

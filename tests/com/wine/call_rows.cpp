@@ -26,18 +26,12 @@ VARIANT ValueOf(const std::string& t) {
     case 'D': return R8(std::stod(rest));
     case 'S': return Str(Wide(rest).c_str());
     case 'B': {
-      VARIANT v;
-      VariantInit(&v);
-      V_VT(&v) = VT_BOOL;
+      VARIANT v = Typed(VT_BOOL);
       V_BOOL(&v) = rest == "1" ? VARIANT_TRUE : VARIANT_FALSE;
       return v;
     }
     case 'M': return Missing();
-    default: {
-      VARIANT v;
-      VariantInit(&v);
-      return v;
-    }
+    default: return Typed(VT_EMPTY);
   }
 }
 
