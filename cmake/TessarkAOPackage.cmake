@@ -64,3 +64,6 @@ install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md
 
 # The class reference and the Python stubs, generated from the member tables.
 add_subdirectory(${PROJECT_SOURCE_DIR}/docs/generator ${PROJECT_BINARY_DIR}/docs)
+
+# Debian packages of the components (cpack -G DEB).
+include(TessarkAOCPack)

@@ -9,7 +9,7 @@ packages=(
   libsqlite3-dev sqlite3 libfontconfig-dev libfreetype-dev fontconfig fonts-dejavu-core
   libxlsxwriter-dev nlohmann-json3-dev libeigen3-dev
   pybind11-dev python3-dev python3-pytest python3-openpyxl
-  python3-mypy python3-build python3-venv
+  python3-mypy python3-build python3-venv python3-setuptools python3-wheel
   qt6-base-dev xvfb xauth
   clang-14 libclang-rt-14-dev
 )

@@ -16,6 +16,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "HostObject.hpp"
@@ -47,6 +48,13 @@ struct State {
   PyTypeObject* refType = nullptr;
   PyObject* decimalType = nullptr;      // decimal.Decimal
   PyObject* typedClasses = nullptr;     // dict: wrapper class -> VarType code
+  // The numeric typed values: int and float subclasses (see RegisterNumber).
+  PyTypeObject* integerType = nullptr;
+  PyTypeObject* longType = nullptr;
+  PyTypeObject* byteType = nullptr;
+  PyTypeObject* singleType = nullptr;
+  PyTypeObject* doubleType = nullptr;
+  PyTypeObject* currencyType = nullptr;
 };
 State g;
 
@@ -222,6 +230,39 @@ py::object MakeTyped(const Variant& v) {
   return py::cast(std::move(t));
 }
 
+// tk.Currency's instances: a float (the nearest double) that also carries the
+// exact scaled value, which is what goes back into the library.
+struct CurrencyObject {
+  PyFloatObject number;
+  std::int64_t scaled;
+};
+
+// A numeric typed value of class `cls` holding the scalar `v` of its type.
+py::object MakeNumber(PyTypeObject* cls, const Variant& v) {
+  const bool integral = v.Type() == VarType::Integer || v.Type() == VarType::Long || v.Type() == VarType::Byte;
+  py::object plain = integral ? PlainValue(v) : py::float_(ToDouble(v));
+  py::tuple args = py::make_tuple(plain);
+  PyObject* r = (integral ? PyLong_Type : PyFloat_Type).tp_new(cls, args.ptr(), nullptr);
+  if (!r) throw py::error_already_set();
+  if (v.Type() == VarType::Currency) reinterpret_cast<CurrencyObject*>(r)->scaled = v.AsCurrency().scaled;
+  return py::reinterpret_steal<py::object>(r);
+}
+
+// An int or float subclass to a variant: the numeric typed values keep their
+// type (checked again, a subclass may have bypassed the constructor), every
+// other subclass (IntEnum constants, other libraries' numbers) is a plain
+// number.
+Variant NumberSubclassToVariant(PyObject* o) {
+  if (PyObject_TypeCheck(o, g.currencyType)) return Variant(Currency{reinterpret_cast<CurrencyObject*>(o)->scaled});
+  const Variant plain = PyLong_Check(o) ? IntToVariant(o) : Variant(PyFloat_AsDouble(o));
+  const std::pair<PyTypeObject*, VarType> typed[] = {
+      {g.integerType, VarType::Integer}, {g.longType, VarType::Long},     {g.byteType, VarType::Byte},
+      {g.singleType, VarType::Single},   {g.doubleType, VarType::Double}};
+  for (const auto& [cls, type] : typed)
+    if (PyObject_TypeCheck(o, cls)) return ChangeType(plain, type);
+  return plain;
+}
+
 // ----- 4. Arrays ----------------------------------------------------------------------
 
 bool IsSequence(PyObject* o) { return PyList_Check(o) || PyTuple_Check(o); }
@@ -334,7 +375,7 @@ py::object Operand(py::handle h) {
   return py::reinterpret_borrow<py::object>(h);
 }
 
-template <VarType T, bool kIntegral>
+template <VarType T>
 void RegisterTyped(py::module_& m, const char* name, const char* doc) {
   py::class_<Typed<T>, TypedValue> cls(m, name, doc);
   cls.def(py::init([] {
@@ -344,16 +385,120 @@ void RegisterTyped(py::module_& m, const char* name, const char* doc) {
       }))
       .def(py::init([](py::handle x) {
              Typed<T> t;
-             if (T == VarType::Currency && PyObject_IsInstance(x.ptr(), g.decimalType) == 1)
-               t.value = Variant(CurrencyFromPython(x));
-             else
-               t.value = ChangeType(ToVariant(x), T);
+             t.value = ChangeType(ToVariant(x), T);
              return t;
            }),
            py::arg("value"));
-  if constexpr (kIntegral)
-    cls.def("__index__", [](const Typed<T>& t) { return PlainValue(t.value); });
   PyObject_SetItem(g.typedClasses, cls.ptr(), py::int_(static_cast<int>(T)).ptr());
+}
+
+// ----- The numeric typed values ----------------------------------------------------------
+//
+// tk.Integer, tk.Long and tk.Byte are int subclasses, tk.Single, tk.Double and
+// tk.Currency float subclasses: a host object receives numbers it can use as
+// numbers (isinstance, arithmetic, json), while the class keeps the variant
+// type for the way back into the library.  Arithmetic gives plain numbers.
+
+template <VarType T>
+PyObject* NumberNew(PyTypeObject* cls, PyObject* args, PyObject* kwargs) {
+  try {
+    static const char* names[] = {"value", nullptr};
+    PyObject* x = nullptr;
+    if (!PyArg_ParseTupleAndKeywords(args, kwargs, "|O", const_cast<char**>(names), &x)) return nullptr;
+    Variant v;
+    if (!x)
+      v = SafeArray::DefaultElement(T);
+    else if (T == VarType::Currency && PyObject_IsInstance(x, g.decimalType) == 1)
+      v = Variant(CurrencyFromPython(x));
+    else
+      v = ChangeType(ToVariant(x), T);
+    return MakeNumber(cls, v).release().ptr();
+  } catch (...) {
+    return TranslateException();
+  }
+}
+
+void NumberDealloc(PyObject* self) {
+  PyTypeObject* cls = Py_TYPE(self);
+  cls->tp_free(self);
+  Py_DECREF(cls);
+}
+
+PyObject* NumberValue(PyObject* self, void*) {
+  try {
+    return PlainValue(ToVariant(self)).release().ptr();
+  } catch (...) {
+    return TranslateException();
+  }
+}
+
+PyObject* NumberVt(PyObject* self, void*) {
+  try {
+    return py::str(VariantTypeText(ToVariant(self))).release().ptr();
+  } catch (...) {
+    return TranslateException();
+  }
+}
+
+// str() is the runtime's text of the value (tk.Single(0.1) is "0.1"); repr()
+// names the type: tk.Integer(5), tk.Currency('1.5000').
+PyObject* NumberStr(PyObject* self) {
+  try {
+    return TextToPython(ToString(ToVariant(self))).release().ptr();
+  } catch (...) {
+    return TranslateException();
+  }
+}
+
+PyObject* NumberRepr(PyObject* self) {
+  try {
+    const Variant v = ToVariant(self);
+    py::object plain = PlainValue(v);
+    const std::string inner = v.Type() == VarType::Currency ? ReprOf(py::str(plain)) : ReprOf(plain);
+    return py::str("tk." + VariantTypeText(v) + "(" + inner + ")").release().ptr();
+  } catch (...) {
+    return TranslateException();
+  }
+}
+
+// Copies and pickles rebuild a Currency from its exact value, not the float.
+PyObject* CurrencyNewArgs(PyObject* self, PyObject*) {
+  try {
+    return py::make_tuple(PlainValue(ToVariant(self))).release().ptr();
+  } catch (...) {
+    return TranslateException();
+  }
+}
+
+template <VarType T>
+PyTypeObject* RegisterNumber(py::module_& m, const char* name, const char* doc) {
+  static PyGetSetDef getset[] = {
+      {"value", NumberValue, nullptr,
+       "The value as a plain Python number (decimal.Decimal, exact, for a Currency).", nullptr},
+      {"vt", NumberVt, nullptr, "The variant type's name.", nullptr},
+      {nullptr, nullptr, nullptr, nullptr, nullptr}};
+  static PyMethodDef currencyMethods[] = {{"__getnewargs__", CurrencyNewArgs, METH_NOARGS, nullptr},
+                                          {nullptr, nullptr, 0, nullptr}};
+  static const std::string qualified = std::string("tessarkao._core.") + name;
+  static const std::string text = std::string(name) + "(value=0)\n--\n\n" + doc;
+  constexpr bool integral = T == VarType::Integer || T == VarType::Long || T == VarType::Byte;
+  static PyType_Slot slots[] = {
+      {Py_tp_new, reinterpret_cast<void*>(NumberNew<T>)},
+      {Py_tp_dealloc, reinterpret_cast<void*>(NumberDealloc)},
+      {Py_tp_repr, reinterpret_cast<void*>(NumberRepr)},
+      {Py_tp_str, reinterpret_cast<void*>(NumberStr)},
+      {Py_tp_getset, getset},
+      {Py_tp_doc, const_cast<char*>(text.c_str())},
+      {T == VarType::Currency ? Py_tp_methods : 0, T == VarType::Currency ? currencyMethods : nullptr},
+      {0, nullptr}};
+  static PyType_Spec spec = {qualified.c_str(), T == VarType::Currency ? static_cast<int>(sizeof(CurrencyObject)) : 0,
+                             0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
+  py::tuple bases = py::make_tuple(py::handle(reinterpret_cast<PyObject*>(integral ? &PyLong_Type : &PyFloat_Type)));
+  PyObject* cls = PyType_FromSpecWithBases(&spec, bases.ptr());
+  if (!cls) throw py::error_already_set();
+  m.attr(name) = py::reinterpret_steal<py::object>(cls);
+  PyObject_SetItem(g.typedClasses, cls, py::int_(static_cast<int>(T)).ptr());
+  return reinterpret_cast<PyTypeObject*>(cls);
 }
 
 }  // namespace
@@ -399,8 +544,7 @@ Variant ToVariant(py::handle h) {
   if (PyObject_TypeCheck(o, g.rawType)) return h.cast<const RawVariant&>().value;
   if (PyObject_TypeCheck(o, g.refType))
     throw py::type_error("tk.Ref passes an argument by reference; it cannot be a value itself");
-  if (PyLong_Check(o)) return IntToVariant(o);
-  if (PyFloat_Check(o)) return Variant(PyFloat_AsDouble(o));
+  if (PyLong_Check(o) || PyFloat_Check(o)) return NumberSubclassToVariant(o);
   if (PyDate_Check(o)) return Variant(DateFromPython(o));
   if (PyObject_IsInstance(o, g.decimalType) == 1) return Variant(DecimalFromPython(h));
   if (IsSequence(o)) return Variant(ArrayFromNested(h, VarType::Variant, py::none()));
@@ -454,12 +598,12 @@ py::object FromVariant(const Variant& value) {
     case Variant::kError:
       if (v.IsMissing()) return py::reinterpret_borrow<py::object>(g.missing);
       return py::cast(RawVariant{v});
-    case Variant::kInteger: return MakeTyped<VarType::Integer>(v);
-    case Variant::kSingle: return MakeTyped<VarType::Single>(v);
-    case Variant::kCurrency: return MakeTyped<VarType::Currency>(v);
+    case Variant::kInteger: return MakeNumber(g.integerType, v);
+    case Variant::kSingle: return MakeNumber(g.singleType, v);
+    case Variant::kCurrency: return MakeNumber(g.currencyType, v);
     case Variant::kDate: return MakeTyped<VarType::Date>(v);
     case Variant::kDecimal: return MakeTyped<VarType::Decimal>(v);
-    case Variant::kByte: return MakeTyped<VarType::Byte>(v);
+    case Variant::kByte: return MakeNumber(g.byteType, v);
     default: return py::reinterpret_borrow<py::object>(g.empty);
   }
 }
@@ -579,18 +723,19 @@ void RegisterValues(py::module_& m) {
       });
   g.typedBase = reinterpret_cast<PyTypeObject*>(base.ptr());
 
-  RegisterTyped<VarType::Integer, true>(m, "Integer", "A 16-bit signed Integer (converted as CInt does).");
-  RegisterTyped<VarType::Long, true>(m, "Long", "A 32-bit signed Long.");
-  RegisterTyped<VarType::Single, false>(m, "Single", "An IEEE single-precision Single.");
-  RegisterTyped<VarType::Double, false>(m, "Double", "An IEEE double-precision Double.");
-  RegisterTyped<VarType::Currency, false>(m, "Currency", "A Currency: 64-bit fixed point with 4 decimals.");
-  RegisterTyped<VarType::Byte, true>(m, "Byte", "An unsigned 8-bit Byte.");
-  RegisterTyped<VarType::Date, false>(m, "Date",
+  g.integerType = RegisterNumber<VarType::Integer>(m, "Integer", "A 16-bit signed Integer (converted as CInt does).");
+  g.longType = RegisterNumber<VarType::Long>(m, "Long", "A 32-bit signed Long.");
+  g.singleType = RegisterNumber<VarType::Single>(m, "Single", "An IEEE single-precision Single.");
+  g.doubleType = RegisterNumber<VarType::Double>(m, "Double", "An IEEE double-precision Double.");
+  g.currencyType = RegisterNumber<VarType::Currency>(
+      m, "Currency", "A Currency: 64-bit fixed point with 4 decimals; the float is its nearest double.");
+  g.byteType = RegisterNumber<VarType::Byte>(m, "Byte", "An unsigned 8-bit Byte.");
+  RegisterTyped<VarType::Date>(m, "Date",
                                       "A Date: days since 1899-12-30 with the time as the fraction; "
                                       "built from a serial number, a datetime or a date text.");
-  RegisterTyped<VarType::Decimal, false>(m, "Decimal", "A Decimal: 96-bit integer with a scale of 0 to 28.");
-  RegisterTyped<VarType::Boolean, false>(m, "Boolean", "A Boolean (True is -1 as a number).");
-  RegisterTyped<VarType::String, false>(m, "String", "A String.");
+  RegisterTyped<VarType::Decimal>(m, "Decimal", "A Decimal: 96-bit integer with a scale of 0 to 28.");
+  RegisterTyped<VarType::Boolean>(m, "Boolean", "A Boolean (True is -1 as a number).");
+  RegisterTyped<VarType::String>(m, "String", "A String.");
   py::class_<Typed<VarType::Date>, TypedValue> dateClass =
       py::reinterpret_borrow<py::class_<Typed<VarType::Date>, TypedValue>>(m.attr("Date"));
   dateClass.def_property_readonly("serial", [](const TypedValue& t) { return t.value.AsDate().serial; },

@@ -24,6 +24,9 @@
 // Coming back, Double, Long, Boolean, String, Nothing and Empty become the
 // plain Python values above; the other scalar types come back as their
 // typed wrappers so that passing a result on keeps its type exactly.
+// tk.Integer, tk.Long and tk.Byte are int subclasses and tk.Single,
+// tk.Double and tk.Currency float subclasses (a Currency also holds its
+// exact scaled value), so host objects and callers get usable numbers.
 #pragma once
 
 #include <pybind11/pybind11.h>

@@ -1,4 +1,6 @@
 """Python objects acting as host objects, called by the library late-bound."""
+import decimal
+import json
 import threading
 
 import pytest
@@ -38,6 +40,9 @@ class Host:
 
     def Describe(self, value):
         return type(value).__name__
+
+    def Json(self, value):
+        return json.dumps(value)
 
     def Explode(self, kind):
         raise {"zero": ZeroDivisionError, "key": KeyError, "value": ValueError, "other": RuntimeError}[kind]("boom")
@@ -97,6 +102,15 @@ def test_values_arrive_as_python_values(sample):
     assert sample.Child is h
     assert sample.SameObject(h, h) and not sample.SameObject(h, Host())
     sample.Child = None
+
+
+def test_typed_numbers_reach_hosts_as_numbers_and_keep_their_type(sample):
+    h = Host()
+    for value, text in [(tk.Integer(-7), "-7"), (tk.Long(7), "7"), (tk.Byte(255), "255"), (tk.Single(0.25), "0.25"),
+                        (tk.Double(2), "2.0"), (tk.Currency(decimal.Decimal("1.5")), "1.5")]:
+        assert sample.HostCall(h, "Json", value) == text
+        sample.HostLet(h, "Kept", value)  # read back by the library with its own type
+        assert sample.TypeOf(sample.HostGet(h, "Kept")) == value.vt
 
 
 def test_by_reference_arguments_are_written_back(sample):

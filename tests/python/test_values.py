@@ -36,7 +36,7 @@ def test_results_come_back_as_python_values_or_typed_wrappers(sample):
     assert sample.Echo(tk.Null) is tk.Null
     # Types without a plain Python counterpart keep their type on the way back.
     for wrapper, value in [(tk.Integer, -7), (tk.Single, 0.25), (tk.Byte, 255), (tk.Currency, D("12.3456")),
-                           (tk.Decimal, D("-1.500"))]:
+                           (tk.Currency, D("922337203685477.5807")), (tk.Decimal, D("-1.500"))]:
         back = sample.Echo(wrapper(value))
         assert type(back) is wrapper
         assert back.value == value
