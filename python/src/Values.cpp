@@ -424,50 +424,43 @@ void NumberDealloc(PyObject* self) {
   Py_DECREF(cls);
 }
 
-PyObject* NumberValue(PyObject* self, void*) {
+// The body of a slot of the number types: its result, or on failure the
+// Python exception set and NULL.
+template <class F>
+PyObject* SlotResult(F&& body) noexcept {
   try {
-    return PlainValue(ToVariant(self)).release().ptr();
+    return body().release().ptr();
   } catch (...) {
     return TranslateException();
   }
 }
 
+PyObject* NumberValue(PyObject* self, void*) {
+  return SlotResult([&] { return PlainValue(ToVariant(self)); });
+}
+
 PyObject* NumberVt(PyObject* self, void*) {
-  try {
-    return py::str(VariantTypeText(ToVariant(self))).release().ptr();
-  } catch (...) {
-    return TranslateException();
-  }
+  return SlotResult([&] { return py::str(VariantTypeText(ToVariant(self))); });
 }
 
 // str() is the runtime's text of the value (tk.Single(0.1) is "0.1"); repr()
 // names the type: tk.Integer(5), tk.Currency('1.5000').
 PyObject* NumberStr(PyObject* self) {
-  try {
-    return TextToPython(ToString(ToVariant(self))).release().ptr();
-  } catch (...) {
-    return TranslateException();
-  }
+  return SlotResult([&] { return TextToPython(ToString(ToVariant(self))); });
 }
 
 PyObject* NumberRepr(PyObject* self) {
-  try {
+  return SlotResult([&] {
     const Variant v = ToVariant(self);
     py::object plain = PlainValue(v);
     const std::string inner = v.Type() == VarType::Currency ? ReprOf(py::str(plain)) : ReprOf(plain);
-    return py::str("tk." + VariantTypeText(v) + "(" + inner + ")").release().ptr();
-  } catch (...) {
-    return TranslateException();
-  }
+    return py::str("tk." + VariantTypeText(v) + "(" + inner + ")");
+  });
 }
 
 // Copies and pickles rebuild a Currency from its exact value, not the float.
 PyObject* CurrencyNewArgs(PyObject* self, PyObject*) {
-  try {
-    return py::make_tuple(PlainValue(ToVariant(self))).release().ptr();
-  } catch (...) {
-    return TranslateException();
-  }
+  return SlotResult([&] { return py::make_tuple(PlainValue(ToVariant(self))); });
 }
 
 template <VarType T>
