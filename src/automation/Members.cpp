@@ -18,7 +18,8 @@ ClassInfo::ClassInfo(std::string name, std::vector<MemberInfo> members, DispId d
   std::size_t size = 8;
   while (size < members_.size() * 2) size *= 2;
   plain_.assign(members_.size() + 1, nullptr);
-  for (const MemberInfo& m : members_) plain_[static_cast<std::size_t>(m.id)] = m.get.guarded;
+  for (const MemberInfo& m : members_)
+    plain_[static_cast<std::size_t>(m.id)] = m.get.params.empty() ? m.get.thunk : nullptr;
   slots_.assign(size, 0);
   mask_ = size - 1;
   for (std::size_t i = 0; i < members_.size(); ++i) {

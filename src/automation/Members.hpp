@@ -245,22 +245,10 @@ Variant MemberThunk(Object* self, std::span<Variant> args) {
   return ThunkImpl<Fn, typename T::Class>(self, args, Sig{});
 }
 
-// Ends a failed call of a member without parameters made through its guarded
-// thunk: the exception being handled leaves as the AutomationError that
-// ClassInfo::Fail makes of it.  Only inside a catch block.
+// Ends a failed call of a member without parameters made on the short path
+// of Dispatch::InvokeId: the exception being handled leaves as the
+// AutomationError that ClassInfo::Fail makes of it.  Only inside a catch block.
 [[noreturn]] void FailPlainCall(const Object& self);
-
-// The thunk of a member without parameters that translates its own
-// failures, so that the common call (a property read, a method without
-// arguments) goes from InvokeId to the member in one indirect call.
-template <auto Fn>
-Variant GuardedThunk(Object* self, std::span<Variant> args) {
-  try {
-    return MemberThunk<Fn>(self, args);
-  } catch (...) {
-    FailPlainCall(*self);
-  }
-}
 
 // ---------------------------------------------------------------------------
 // The type-erased table.
@@ -277,7 +265,6 @@ struct ParamInfo {
 // One call kind of a member: its thunk and its parameters.
 struct Accessor {
   Thunk thunk = nullptr;
-  Thunk guarded = nullptr;  // parameterless accessors: the thunk that translates its failures
   std::vector<ParamInfo> params;
   std::uint8_t required = 0;  // leading parameters that must be given
   VarType result = VarType::Empty;  // Empty: no result
@@ -306,7 +293,7 @@ class ClassInfo {
 
   // Case-insensitive lookup; DispIdUnknown when absent.
   DispId Find(std::string_view name) const noexcept;
-  // The guarded thunk of the parameterless property get or method of slot
+  // The thunk of the parameterless property get or method of slot
   // `id` (1-based, not the default member), or nullptr: the common call that
   // needs no checks.
   Thunk PlainGetter(DispId id) const noexcept {
@@ -557,7 +544,6 @@ class ClassBuilder {
     static_assert(TableCheck<typename T::Args, Ann...>::kOk);
     Accessor a;
     a.thunk = &MemberThunk<Fn>;
-    if constexpr (T::kArity == 0) a.guarded = &GuardedThunk<Fn>;
     FillParams(a, static_cast<typename T::Args*>(nullptr));
     using R = typename T::Ret;
     if constexpr (!std::is_void_v<R>) a.result = ParamType<R>();
@@ -632,11 +618,17 @@ class Dispatch : public Base {
   // calls, go straight to their thunk; everything else through the checks.
   Variant InvokeId(DispId id, CallKind kind, std::span<Variant> args) override {
     if constexpr (std::is_same_v<Base, Object>) {
-      // Nothing but loads and tests before the thunk, so that the call ends
-      // in a jump to it.
+      // Nothing but loads and tests before the thunk: the short path keeps
+      // no frame beyond what the call and its failure need.
       if (args.empty() && (kind == CallKind::Get || kind == CallKind::Method)) [[likely]] {
         if (const ClassInfo* c = built_.load(std::memory_order_acquire)) [[likely]] {
-          if (Thunk t = c->PlainGetter(id)) return t(this, args);
+          if (Thunk t = c->PlainGetter(id)) {
+            try {
+              return t(this, args);
+            } catch (...) {
+              FailPlainCall(*this);
+            }
+          }
         }
       }
       return InvokeChecked(id, kind, args);
