@@ -484,10 +484,10 @@ PyTypeObject* RegisterNumber(py::module_& m, const char* name, const char* doc) 
       {Py_tp_doc, const_cast<char*>(text.c_str())},
       {T == VarType::Currency ? Py_tp_methods : 0, T == VarType::Currency ? currencyMethods : nullptr},
       {0, nullptr}};
-  static PyType_Spec spec = {qualified.c_str(), T == VarType::Currency ? static_cast<int>(sizeof(CurrencyObject)) : 0,
+  static PyType_Spec typeDef = {qualified.c_str(), T == VarType::Currency ? static_cast<int>(sizeof(CurrencyObject)) : 0,
                              0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
   py::tuple bases = py::make_tuple(py::handle(reinterpret_cast<PyObject*>(integral ? &PyLong_Type : &PyFloat_Type)));
-  PyObject* cls = PyType_FromSpecWithBases(&spec, bases.ptr());
+  PyObject* cls = PyType_FromSpecWithBases(&typeDef, bases.ptr());
   if (!cls) throw py::error_already_set();
   m.attr(name) = py::reinterpret_steal<py::object>(cls);
   PyObject_SetItem(g.typedClasses, cls, py::int_(static_cast<int>(T)).ptr());
