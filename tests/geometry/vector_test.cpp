@@ -163,17 +163,3 @@ TEST(Vector, ForeignVectorsAreCalledByName) {
   EXPECT_EQ(v->Components().c[0], 5.0);
   EXPECT_EQ(Vec(1, 0, 0)->AngleBetween(MakeRef<Foreign>(Vec(0, 2, 0))), 90.00000000000009);
 }
-
-TEST(Vector, InstanceCountTakesPartButMatricesAndLinesDoNot) {
-  const std::int32_t before = Globals::InstanceCount();
-  {
-    Ref<Object> m = CreateObject("TessarkAO.TKMatrix4d");
-    Ref<Object> l = CreateObject("TessarkAO.TK2DLine");
-    EXPECT_EQ(Globals::InstanceCount(), before);
-    Ref<Object> v = CreateObject("TessarkAO.TKVector4d");
-    EXPECT_EQ(Globals::InstanceCount(), before + 1);
-    Ref<Object> t = CreateObject("TessarkAO.TKTransform");  // and its three local axes
-    EXPECT_EQ(Globals::InstanceCount(), before + 5);
-  }
-  EXPECT_EQ(Globals::InstanceCount(), before);
-}
