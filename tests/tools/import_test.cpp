@@ -313,24 +313,15 @@ TEST_F(Import, CancelCloseAndNoSelectionEndSilently) {
   EXPECT_TRUE(SplineCalls().empty());
 }
 
-// An application without open scenes.
-class EmptyPages final : public Dispatch<EmptyPages> {
- public:
-  static constexpr std::string_view kClassName = "Pages";
-  static void Describe(ClassBuilder<EmptyPages>& b) { b.Get<&EmptyPages::Count>("Count"); }
-  std::int32_t Count() const { return 0; }
-};
-class NoSceneApp final : public Dispatch<NoSceneApp> {
- public:
-  static constexpr std::string_view kClassName = "Application";
-  static void Describe(ClassBuilder<NoSceneApp>& b) { b.Get<&NoSceneApp::Pages>("Pages"); }
-  Ref<Object> Pages() { return MakeRef<EmptyPages>(); }
-};
-
 TEST(ImportWithoutScene, SaysSoAndShowsNoDialog) {
   Ui().Clear();
   Ref<Object> imports = CreateObject("TessarkAO.TKImports");
-  Variant args[] = {Variant(MakeRef<NoSceneApp>())};
+  // An application without open scenes.
+  auto pages = MakeRef<Testing::FakeObject>();
+  pages->Value("Count", 0);
+  auto app = MakeRef<Testing::FakeObject>();
+  app->Value("Pages", Variant(pages));
+  Variant args[] = {Variant(app)};
   imports->Invoke("ImportBSpline", CallKind::Method, args);
   ASSERT_EQ(Ui().Messages().size(), 1u);
   EXPECT_EQ(Ui().Messages()[0].text, "There must be a scene open to import the B-Spline to.");
