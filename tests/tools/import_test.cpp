@@ -126,15 +126,6 @@ TEST(PointFile, FastReaderMatchesTheLiteralModel) {
   }
 }
 
-TEST(PointFile, FilesThatCannotBeOpenedGiveNoTable) {
-  EXPECT_FALSE(PointFile::ReadPointFile((TempDir() / "missing.txt").string()));
-  EXPECT_FALSE(PointFile::ReadPointFile(TempDir().string()));  // a folder
-  EXPECT_FALSE(PointFile::ReadPointFile(""));
-  Ref<TK2DArray> empty = PointFile::ReadPointFile(WriteFile("empty.txt", ""));
-  ASSERT_TRUE(empty);
-  EXPECT_EQ(empty->Rows(), 0);
-}
-
 // One line of 300,000 numbers among 2,000 short ones would make a table of
 // 600 million cells, nearly all empty: refused with 7 before it is allocated.
 // The same line alone is a table the file fills, and reads.
@@ -281,6 +272,7 @@ TEST_F(Import, InvalidFilesKeepImportDisabled) {
       {WriteFile("blank.txt", ""), true},
       {binary, true},
       {(TempDir() / "nowhere.txt").string(), false},
+      {TempDir().string(), false},
   };
   for (const Case& c : cases) {
     Run({c.file});  // Import is disabled: pressing it closes without importing
