@@ -17,44 +17,6 @@
 
 namespace TessarkAO::Cli {
 
-extern const std::string_view kImportUsage;
-const std::string_view kImportUsage =
-    "usage: tktools import-bspline POINTS.txt --scene FILE.json --select SHAPE --save OUT.json\n"
-    "       tktools import-bspline --scene FILE.json --select SHAPE [--save OUT.json]\n"
-    "\n"
-    "Without POINTS.txt the import dialog is shown and the file is chosen in it.\n"
-    "Imports the fit points of POINTS.txt as a B-spline path into SHAPE of the scene's\n"
-    "active page, as the import dialog does when the file is chosen and Import pressed.\n"
-    "\n"
-    "options:\n"
-    "  --scene FILE.json   the scene to import into\n"
-    "  --select SHAPE      the shape to select first: its name, or its full path\n"
-    "                      (\"Scene1//Assembly//Part\")\n"
-    "  --save OUT.json     where the scene with the new path is saved (needed with\n"
-    "                      POINTS.txt: the import changes nothing else)\n"
-    "  -h, --help          show this text\n"
-    "\n"
-    "POINTS.txt, FILE.json or OUT.json may be -, standard input or output.\n"
-    "\n"
-    "Exit status: 0 imported, 1 the import or the scene failed (the message shown is\n"
-    "the reason), 2 for a wrong call.\n";
-
-extern const std::string_view kExportUsage;
-const std::string_view kExportUsage =
-    "usage: tktools export-bom BOM.csv OUT.xlsx\n"
-    "\n"
-    "Writes the table of BOM.csv (comma separated, double quotes around fields that\n"
-    "hold commas, quotes or line breaks) into a new workbook saved under exactly the\n"
-    "name OUT.xlsx, through the bill-of-materials exporter: the first row is bold,\n"
-    "the columns are fitted to their texts.  A field is a number when it is written\n"
-    "as one: an optional minus sign, digits without leading zeros (0 itself, 0.5),\n"
-    "an optional fraction and exponent (12.5, 1e-3); anything else (007, +1, 1,5,\n"
-    "\" 12\", a part number) stays text.\n"
-    "\n"
-    "BOM.csv may be - for standard input, OUT.xlsx - for standard output.\n"
-    "\n"
-    "Exit status: 0 written, 1 the export failed, 2 for a wrong call.\n";
-
 namespace {
 
 // The messages shown since `from`, as one line for an error.
