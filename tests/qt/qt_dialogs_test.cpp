@@ -105,11 +105,6 @@ class QtDialogs : public QObject {
     page_.Get("SelectedItems").Call("Add", part_);
   }
 
-  void serviceIsTheWindowedOne() {
-    QVERIFY(GetHeadlessUserInterface() == nullptr);
-    QVERIFY(GetUserInterface().ScreenSize().first > 0);
-  }
-
   // Browse, type the cam track's name, Import: the path is created.
   void importThroughTheControls() {
     bool browsed = false, before = false;
