@@ -126,13 +126,9 @@ TEST(Builders, Defaults) {
   EXPECT_TRUE(extrude.Get("PathComponents").IsNothing());
   EXPECT_EQ(Values(sheet, {"Thickness", "SheetMetalType"}), "0.1|1");
 
-  EXPECT_EQ(ToDouble(bend.Get("Angle")), kQuarterTurn);
-  EXPECT_EQ(Values(bend, {"DropFlags", "SuppressedReliefs", "ReliefWidth", "ReliefDepth", "InsideRadius",
-                          "UserName"}),
-            "5|15|0.125|0.25|0.001|");
-  EXPECT_EQ(ToDouble(bend.Get("ExtrudeDistance", 1)), 1.0);
+  // (The bend's other defaults are the values it sends the host, checked below.)
+  EXPECT_EQ(ToString(bend.Get("UserName")), "");
   EXPECT_EQ(ToDouble(bend.Get("ExtrudeDistance", 3)), 0.0);
-  EXPECT_EQ(ToDouble(bend.Get("StockSegmentLength", 2)), 0.375);
   bend.Let("ExtrudeDistance", 1, 4.0);
   EXPECT_EQ(ToDouble(bend.Get("ReliefWidth")), 0.125);  // computed once, not following the distance
   bend.Let("CornerReliefType", 7, 3);                   // ignored
@@ -144,7 +140,6 @@ TEST(Builders, Defaults) {
     EXPECT_TRUE(b->Get("Part").IsNothing());
   }
   EXPECT_EQ(Values(form, {"Depth", "PunchRadius", "DieRadius", "Direction"}), "0.25|0.0625|0.0625|1");
-  EXPECT_EQ(ToDouble(curved.Get("SweepAngle")), kQuarterTurn);
   EXPECT_EQ(Values(curved, {"Radius", "Width", "Thickness"}), "1|1|0.1");
   EXPECT_EQ(Values(conic, {"TopRadius", "BottomRadius", "Height", "Thickness"}), "0.5|1|1|0.1");
 }
