@@ -8,18 +8,17 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <random>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "TestSupport.hpp"
 #include "automation/Convert.hpp"
 #include "geometry/TK2DLine.hpp"
 #include "geometry/TKMatrix4d.hpp"
 #include "geometry/TKTransform.hpp"
 #include "geometry/TKVector4d.hpp"
-#include "TestSupport.hpp"
 
 namespace TessarkAO::Testing {
 
@@ -27,8 +26,6 @@ inline Variant Call(const Ref<Object>& o, std::string_view name, std::vector<Var
                     CallKind kind = CallKind::Method) {
   return o->Invoke(name, kind, args);
 }
-
-using Testing::ErrorOf;
 
 // An object that is not one of ours: it answers by name, forwarding to a
 // native object, records each call, and lacks the members named in `missing`.
@@ -119,7 +116,17 @@ inline bool Near(const Mat4& a, const Mat4& b, double tolerance) {
   return true;
 }
 
-inline bool Same(const Mat4& a, const Mat4& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+// Bit for bit, negative zeros included.
+template <class T>
+bool Same(const T& a, const T& b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+inline Mat4 ArrayMatrix(const Variant& array) {
+  Mat4 m{};
+  MatrixMath::ReadMatrixArray(array, m);
+  return m;
+}
 
 inline double Norm(double x, double y, double z) { return std::sqrt(x * x + y * y + z * z); }
 

@@ -4,27 +4,29 @@
 using namespace TessarkAO;
 using namespace TessarkAO::Testing;
 
+namespace {
+
+std::pair<double, double> SlopeAndIntercept(const TK2DLine& l) { return {l.Slope(), l.Intercept()}; }
+
+}  // namespace
+
 TEST(Line, DefinitionsKeepTheirResultsAndSentinel) {
   TK2DLine l;
   EXPECT_TRUE(l.SetDefinitionFromAngleAndPoint(45, 1, 1));
-  EXPECT_EQ(l.Slope(), 0.9999999999999983);
-  EXPECT_EQ(l.Intercept(), 1.6653345369377348e-15);
+  EXPECT_EQ(SlopeAndIntercept(l), std::make_pair(0.9999999999999983, 1.6653345369377348e-15));
   EXPECT_TRUE(l.SetDefinitionFromAngleAndPoint(90, 2, 0));
-  EXPECT_EQ(l.Slope(), 1e9);
+  EXPECT_EQ(SlopeAndIntercept(l), std::make_pair(1e9, -2e9));
   EXPECT_TRUE(l.IsVertical());
-  EXPECT_EQ(l.Intercept(), -2e9);
   l.SetDefinitionFromAngleAndPoint(90.0000001, 0, 0);  // only the positive side is capped
   EXPECT_LT(l.Slope(), -1e8);
   EXPECT_FALSE(l.SetDefinitionFromTwoPoints(0, 0, 2, 4));
-  EXPECT_EQ(l.Slope(), 2.0);
-  EXPECT_EQ(l.Intercept(), 0.0);
+  EXPECT_EQ(SlopeAndIntercept(l), std::make_pair(2.0, 0.0));
   EXPECT_FALSE(l.SetDefinitionFromTwoPoints(1, 1, 1, 1));  // nothing changes
-  EXPECT_EQ(l.Slope(), 2.0);
+  EXPECT_EQ(SlopeAndIntercept(l), std::make_pair(2.0, 0.0));
   EXPECT_FALSE(l.SetDefinitionFromTwoPoints(3, 1, 3, 5));
-  EXPECT_EQ(l.Slope(), 1e9);
-  EXPECT_EQ(l.Intercept(), 1.0 - 3e9);
+  EXPECT_EQ(SlopeAndIntercept(l), std::make_pair(1e9, 1.0 - 3e9));
   EXPECT_EQ(ErrorOf([&] { l.SetDefinitionFromTwoPoints(0, -1e300, 1e-300, 1e300); }), 6);
-  EXPECT_EQ(l.Slope(), 1e9);
+  EXPECT_EQ(SlopeAndIntercept(l), std::make_pair(1e9, 1.0 - 3e9));
 }
 
 TEST(Line, IntersectionsThroughTheMemberTable) {

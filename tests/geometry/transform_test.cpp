@@ -93,11 +93,10 @@ TEST(Transform, FrameMatrixFollowsEveryMember) {
           const double degrees = rnd.Uniform(-360, 360);
           t->SetRotation(a, b, c, degrees);
           // Exactly the placement of position, stored axis and angle.
-          double x, y, z, d, px, py, pz;
-          t->GetRotation(x, y, z, d);
-          t->GetPosition(px, py, pz);
+          const Xyzw r = RotationOf(*t);
+          const auto p = PositionOf(*t);
           TKMatrix4d model;
-          model.SetRotationFromPointAxisAndAngle(Vec(px, py, pz), Vec(x, y, z), d);
+          model.SetRotationFromPointAxisAndAngle(Vec(p[0], p[1], p[2]), Vec(r[0], r[1], r[2]), r[3]);
           EXPECT_TRUE(Same(t->FrameMatrix().Elements(), model.Elements()));
         }
       }

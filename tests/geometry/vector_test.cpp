@@ -18,30 +18,28 @@ double Get(const Ref<Object>& o, std::string_view name, std::vector<Variant> arg
   return ToDouble(Call(o, name, std::move(args), CallKind::Get));
 }
 
+// X, Y, Z and W, read through the member table.
+Xyzw Read(const Ref<Object>& v) { return {Get(v, "X"), Get(v, "Y"), Get(v, "Z"), Get(v, "Value", {3})}; }
+
 }  // namespace
 
 TEST(Vector, CleanUpFollowsEpsilonStrictly) {
   Ref<Object> v = CreateObject("TessarkAO.TKVector4d");
   EXPECT_EQ(Get(v, "Epsilon"), 1e-9);
-  EXPECT_EQ(Get(v, "Value", {3}), 0.0);
   Call(v, "SetPosition", {1e-10, 2.0, -5e-10});
-  EXPECT_EQ(Get(v, "X"), 0.0);
-  EXPECT_EQ(Get(v, "Y"), 2.0);
-  EXPECT_EQ(Get(v, "Z"), 0.0);
+  EXPECT_EQ(Read(v), (Xyzw{0, 2, 0, 0}));
   Call(v, "SetPosition", {1e-9, 0.0, -1e-9});  // equal to Epsilon: kept
-  EXPECT_EQ(Get(v, "X"), 1e-9);
-  EXPECT_EQ(Get(v, "Z"), -1e-9);
+  EXPECT_EQ(Read(v), (Xyzw{1e-9, 0, -1e-9, 0}));
   Call(v, "SetPosition", {0.005, 1.0, -0.009});
   Call(v, "Epsilon", {0.01}, CallKind::Let);
-  EXPECT_EQ(Get(v, "X"), 0.0);
-  EXPECT_EQ(Get(v, "Z"), 0.0);
+  EXPECT_EQ(Read(v), (Xyzw{0, 1, 0, 0}));
   // The Value and X lets run no clean-up; Zero clears W as well.
   Call(v, "Value", {3, 1e-12}, CallKind::Let);
   Call(v, "X", {1e-12}, CallKind::Let);
-  EXPECT_EQ(Get(v, "Value", {3}), 1e-12);
+  EXPECT_EQ(Read(v), (Xyzw{1e-12, 1, 0, 1e-12}));
   EXPECT_EQ(Get(v, "Value", {0}), 1e-12);
   Call(v, "Zero");
-  EXPECT_EQ(Get(v, "Value", {3}), 0.0);
+  EXPECT_EQ(Read(v), (Xyzw{}));
 }
 
 TEST(Vector, AnglesUseTheLibraryPi) {
@@ -58,8 +56,7 @@ TEST(Vector, AnglesUseTheLibraryPi) {
   // is set without the clean-up that SetPosition would run).
   EXPECT_FALSE(ToBoolean(Call(NewVector(1e5, 0, 0), "IsPerpendicular", {Vec(1e-13, 1, 0)})));
   EXPECT_TRUE(ToBoolean(Call(x, "IsPerpendicular", {NewVector(1e-9, 1, 0)})));
-  Ref<Object> cross = Call(x, "Cross", {NewVector(0, 1, 0)}).AsObject();
-  EXPECT_EQ(Get(cross, "Z"), 1.0);
+  EXPECT_EQ(Read(Call(x, "Cross", {NewVector(0, 1, 0)}).AsObject()), (Xyzw{0, 0, 1, 0}));
 }
 
 // (The senses of the axis rotations are the matrix's, checked with it; the
@@ -90,14 +87,13 @@ TEST(Vector, ProductsMatchTheLiteralSum) {
     const int axis = n % 4;  // 0 is no axis
     auto axisVector = rnd.Vector();
     TKMatrix4d m;
-    if (axis == 0)
+    if (axis == 0) {
       m.SetRotationAboutArbitraryAxis(Vec(axisVector->X(), axisVector->Y(), axisVector->Z()), degrees, false);
-    else
-      m.SetRotation(axis, degrees, false);
-    if (axis == 0)
       v->RotateAboutArbitraryAxis(axisVector, degrees);
-    else
+    } else {
+      m.SetRotation(axis, degrees, false);
       v->Rotate(axis, degrees);
+    }
     for (int j = 0; j < 4; ++j) {
       double sum = before.c[0] * m.Elements().e[0][j];
       for (int k = 1; k < 4; ++k) sum = sum + before.c[k] * m.Elements().e[k][j];

@@ -7,17 +7,31 @@
 #include <string>
 #include <vector>
 
+#include "TestSupport.hpp"
 #include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
+#include "profiles/TKInvoluteCurve.hpp"
 #include "profiles/TKProfile.hpp"
 #include "refhost/RefHost.hpp"
-#include "TestSupport.hpp"
 
 namespace TessarkAO::Testing {
 
-
 inline Ref<TKProfile> NewProfile() { return RefCast<TKProfile>(CreateObject("TessarkAO.TKProfile")); }
+
+// Row i of an involute's sampled points.
+inline std::pair<double, double> Sample(const TKInvoluteCurve& c, std::int32_t i) {
+  std::pair<double, double> p;
+  c.GetCalculatedPointFromIndex(i, p.first, p.second);
+  return p;
+}
+
+// The named properties of an object, read late-bound, as numbers.
+inline std::vector<double> Numbers(const Variant& object, std::initializer_list<const char*> names) {
+  std::vector<double> out;
+  for (const char* name : names) out.push_back(ToDouble(object.Get(name)));
+  return out;
+}
 
 constexpr std::int32_t kProfileShape = 9, kGroup = 2, kProfileComponent = 15, kPath = 3;
 

@@ -101,13 +101,10 @@ TEST(Outline, AddEllipseTakesThePointsYFromItsX) {
   };
   for (const Case& c : cases) {
     std::vector<Variant> args(c.args.begin(), c.args.end());
-    Variant e = outline.Invoke("AddEllipse", CallKind::Method, args);
-    EXPECT_EQ(e.Get("CurveType").AsLong(), 4);
-    EXPECT_EQ(ToDouble(e.Get("Y")), 2.0);
-    EXPECT_EQ(ToDouble(e.Get("CenterX")), 0.0);  // the centre is carried in X, Y only
-    EXPECT_EQ(ToDouble(e.Get("MinorHeight")), c.minor);
-    EXPECT_EQ(ToDouble(e.Get("XPtOnCurve")), c.xPt);
-    EXPECT_EQ(ToDouble(e.Get("YPtOnCurve")), c.yPt);
+    const Variant e = outline.Invoke("AddEllipse", CallKind::Method, args);
+    // The centre is carried in X, Y only.
+    EXPECT_EQ(Numbers(e, {"CurveType", "Y", "CenterX", "MinorHeight", "XPtOnCurve", "YPtOnCurve"}),
+              (std::vector<double>{4, 2, 0, c.minor, c.xPt, c.yPt}));
   }
 }
 

@@ -117,14 +117,12 @@ TEST(HostPaths, DrawInvoluteReversesTheFitPointsButKeepsTheEndPoint) {
   auto profile = NewProfile();
   profile->GetProfileFromPaths(ToObject(scene.paths));
   Ref<TKCurve> spline = profile->GetOutline(1)->GetCurve(1);
-  double x = 0, y = 0, fx = 0, fy = 0;
-  involute->GetCalculatedPointFromIndex(5, x, y);
-  EXPECT_EQ(std::make_pair(spline->GetX(), spline->GetY()), std::make_pair(x, y));
+  EXPECT_EQ(std::make_pair(spline->GetX(), spline->GetY()), Sample(*involute, 5));
   ASSERT_EQ(spline->GetBSplineFitPoints(), 5);
+  double x = 0, y = 0;
   for (std::int32_t i = 1; i <= 5; ++i) {
-    involute->GetCalculatedPointFromIndex(6 - i, x, y);
-    spline->GetFitPoint(i, fx, fy);
-    EXPECT_EQ(std::make_pair(fx, fy), std::make_pair(x, y)) << "fit point " << i;
+    spline->GetFitPoint(i, x, y);
+    EXPECT_EQ(std::make_pair(x, y), Sample(*involute, 6 - i)) << "fit point " << i;
   }
 
   // Points changed since sampling: the missing row raises 9 before any host call.

@@ -17,7 +17,6 @@ using namespace TessarkAO::Testing;
 
 namespace {
 
-
 Ref<TKInvoluteCurve> NewInvolute(double radius = 1.0) {
   Ref<TKInvoluteCurve> c = RefCast<TKInvoluteCurve>(CreateObject("TessarkAO.TKInvoluteCurve"));
   c->LetCircleRadius(radius);
@@ -27,12 +26,6 @@ Ref<TKInvoluteCurve> NewInvolute(double radius = 1.0) {
 std::pair<double, double> Point(const TKInvoluteCurve& c, double t) {
   std::pair<double, double> p;
   c.GetPointFromAngle(t, p.first, p.second);
-  return p;
-}
-
-std::pair<double, double> Sample(const TKInvoluteCurve& c, std::int32_t i) {
-  std::pair<double, double> p;
-  c.GetCalculatedPointFromIndex(i, p.first, p.second);
   return p;
 }
 
@@ -162,12 +155,10 @@ TEST(Involute, GetInvolutePointsOrdersByTheProperty) {
   c->CalculatePointsThroughAngle(2);
   for (bool ccw : {true, false}) {
     c->LetCounterClockwise(ccw);
-    Variant table(c->GetInvolutePoints());
+    const Variant table(c->GetInvolutePoints());
+    auto value = [&](int row, int column) { return ToDouble(table.Call("GetValue", row, column)); };
     ASSERT_EQ(table.Get("Rows").AsLong(), 4);
-    for (int i = 1; i <= 4; ++i) {
-      const auto expected = Sample(*c, ccw ? i : 5 - i);
-      EXPECT_EQ(ToDouble(table.Call("GetValue", i, 1)), expected.first);
-      EXPECT_EQ(ToDouble(table.Call("GetValue", i, 2)), expected.second);
-    }
+    for (int i = 1; i <= 4; ++i)
+      EXPECT_EQ(std::make_pair(value(i, 1), value(i, 2)), Sample(*c, ccw ? i : 5 - i)) << i;
   }
 }

@@ -36,14 +36,11 @@ TEST(Profile, ShiftMovesPointsAndCentresOnly) {
   const double a = kPi / 180 * 90;
   const double dx = std::cos(a) * 10, dy = std::sin(a) * 10;
   EXPECT_NE(dx, 0.0);  // the 15-digit pi leaves a trace
-  EXPECT_EQ(o->GetStartPointX(), 0.5 + dx);
-  EXPECT_EQ(o->GetStartPointY(), dy);
-  Ref<TKCurve> bezier = o->GetCurve(5);
-  EXPECT_EQ(std::make_pair(bezier->GetX(), bezier->GetY()), std::make_pair(dx, 5 + dy));
-  EXPECT_EQ(bezier->GetCenterY(), dy);
-  EXPECT_EQ(bezier->GetTan1X(), -1);  // tangent points stay
-  EXPECT_EQ(o->GetCurve(6)->GetCenterX(), 5 + dx);
-  EXPECT_EQ(o->GetCurve(6)->GetXPtOnCurve(), 2);  // points on curve stay
+  EXPECT_EQ(Numbers(o, {"StartPointX", "StartPointY"}), (std::vector<double>{0.5 + dx, dy}));
+  // Tangent points and points on a curve stay.
+  EXPECT_EQ(Numbers(o->GetCurve(5), {"X", "Y", "CenterY", "Tan1X"}),
+            (std::vector<double>{dx, 5 + dy, dy, -1}));
+  EXPECT_EQ(Numbers(o->GetCurve(6), {"CenterX", "XPtOnCurve"}), (std::vector<double>{5 + dx, 2}));
   double x = 0, y = 0;
   spline->GetControlPoint(2, x, y);
   EXPECT_EQ(std::make_pair(x, y), std::make_pair(-1 + dx, 3 + dy));
@@ -62,14 +59,11 @@ TEST(Profile, MirrorNegatesOneAxisAndAlwaysTheHFactor) {
     const double sx = axis == 2 ? -1 : 1, sy = axis == 1 ? -1 : 1;
     Ref<TKOutline> o = profile->GetOutline(1);
     EXPECT_EQ(std::make_pair(o->GetStartPointX(), o->GetStartPointY()), std::make_pair(0.5 * sx, 2 * sy));
-    EXPECT_EQ(o->GetCurve(4)->GetHFactor(), 0.25) << "axis " << axis;
-    Ref<TKCurve> bezier = o->GetCurve(5);
-    EXPECT_EQ(bezier->GetTan1X(), -1 * sx);
-    EXPECT_EQ(bezier->GetTan2Y(), 6 * sy);
-    Ref<TKCurve> ellipse = o->GetCurve(7);
-    EXPECT_EQ(ellipse->GetCenterX(), 4 * sx);
-    EXPECT_EQ(ellipse->GetYPtOnCurve(), 6 * sy);
-    EXPECT_EQ(ellipse->GetMinorHeight(), 0.75);
+    SCOPED_TRACE(axis);
+    EXPECT_EQ(o->GetCurve(4)->GetHFactor(), 0.25);
+    EXPECT_EQ(Numbers(o->GetCurve(5), {"Tan1X", "Tan2Y"}), (std::vector<double>{-1 * sx, 6 * sy}));
+    EXPECT_EQ(Numbers(o->GetCurve(7), {"CenterX", "YPtOnCurve", "MinorHeight"}),
+              (std::vector<double>{4 * sx, 6 * sy, 0.75}));
     double x = 0, y = 0;
     o->GetCurve(8)->GetControlPoint(2, x, y);
     EXPECT_EQ(std::make_pair(x, y), std::make_pair(-1 * sx, 3 * sy));

@@ -38,9 +38,14 @@ inline Ref<TK2DArray> Spans(const std::vector<std::array<double, 2>>& rows) {
   return t;
 }
 
-inline std::vector<std::array<double, 2>> RowsOf(const TK2DArray& t) {
-  std::vector<std::array<double, 2>> out;
-  for (std::int32_t r = 1; r <= t.Rows(); ++r) out.push_back({t.GetValue(r, 1), t.GetValue(r, 2)});
+using Table = std::vector<std::vector<double>>;
+
+inline Table RowsOf(const TK2DArray& t) {
+  Table out;
+  for (std::int32_t r = 1; r <= t.Rows(); ++r) {
+    out.emplace_back();
+    for (std::int32_t c = 1; c <= t.Columns(); ++c) out.back().push_back(t.GetValue(r, c));
+  }
   return out;
 }
 
@@ -67,12 +72,14 @@ inline ::testing::AssertionResult SameCells(const TKColumnSet& x, const TKColumn
   return ::testing::AssertionSuccess();
 }
 
+// The same rows and cells, each column keeping its own length.
 inline Ref<TKColumnSet> Clone(const TKColumnSet& s) {
   auto out = MakeRef<TKColumnSet>();
   out->LetNumberOfRows(s.NumberOfRows());
   for (std::int32_t c = 1; c <= s.NumberOfColumns(); ++c) {
     const TKColumn& from = *s.Item(c);
     Ref<TKColumn> to = out->AddColumn(from.ColumnType());
+    to->LetNumberOfElements(from.NumberOfElements());
     for (std::int32_t r = 1; r <= from.NumberOfElements(); ++r) to->SetAt(r, from.GetAt(r));
   }
   return out;

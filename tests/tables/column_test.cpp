@@ -20,7 +20,7 @@ Ref<TKColumn> Column(std::int32_t type, const std::vector<Variant>& values) {
 
 std::vector<std::string> Texts(const TKColumn& c) {
   std::vector<std::string> out;
-  for (std::int32_t i = 1; i <= c.NumberOfElements(); ++i) out.push_back(c.GetAt(i).AsString());
+  for (std::int32_t i = 1; i <= c.NumberOfElements(); ++i) out.push_back(ToString(c.GetAt(i)));
   return out;
 }
 
@@ -135,11 +135,9 @@ TEST(Column, SwapAndRemoveAtKeepTheirOddities) {
 
   auto d = Column(TKColumnType_Double, {Variant(1.0), Variant(2.0), Variant(3.0)});
   EXPECT_EQ(ErrorOf([&] { d->RemoveAt(2); }), 9);  // any but the last: 9, unchanged
-  EXPECT_EQ(d->NumberOfElements(), 3);
-  EXPECT_EQ(d->GetAt(2).AsDouble(), 2.0);
+  EXPECT_EQ(Texts(*d), (std::vector<std::string>{"1", "2", "3"}));
   EXPECT_FALSE(d->RemoveAt(3));  // the last: the rest become 0.0
-  EXPECT_EQ(d->NumberOfElements(), 2);
-  EXPECT_EQ(d->GetAt(1).AsDouble(), 0.0);
+  EXPECT_EQ(Texts(*d), (std::vector<std::string>{"0", "0"}));
   EXPECT_FALSE(d->RemoveAt(7));
   auto one = Column(TKColumnType_Object, {Variant(d)});
   EXPECT_FALSE(one->RemoveAt(1));
@@ -165,9 +163,7 @@ TEST(Column, WholeColumnTransfers) {
   two.Put(2, Variant(20.0));
   two.Put(3, Variant(21.0));
   d->SetDoubleValues(Variant(two));
-  EXPECT_EQ(d->GetAt(3).AsDouble(), 20.0);
-  EXPECT_EQ(d->GetAt(4).AsDouble(), 21.0);
-  EXPECT_EQ(d->NumberOfElements(), 4);
+  EXPECT_EQ(Texts(*d), (std::vector<std::string>{"12", "13", "20", "21"}));
   // The method names the store it reads.
   Variant untouched("keep");
   EXPECT_EQ(ErrorOf([&] { d->GetStringValues(untouched); }), 9);
@@ -197,11 +193,4 @@ TEST(Column, BadInputRaisesTheClassicErrors) {
   EXPECT_EQ(ErrorOf([&] { none->IndexSpan(5); }), 7);
   none->LetNumberOfElements(3);
   EXPECT_EQ(none->Spans(), 3);
-
-  Ref<Object> c = CreateObject("TessarkAO.TKColumn");
-  Invoke(c, "ColumnType", CallKind::Let, {Variant(3)});
-  EXPECT_TRUE(Invoke(c, "Add", CallKind::Method, {Variant("q")}).AsBoolean());
-  EXPECT_EQ(Invoke(c, "Find", CallKind::Method, {Variant("Q")}).AsLong(), 1);
-  std::vector<Variant> index = {Variant(1)};
-  EXPECT_EQ(c->InvokeId(DispIdValue, CallKind::Method, index).AsString(), "q");  // GetAt is the default
 }
