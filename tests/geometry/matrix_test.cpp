@@ -162,13 +162,6 @@ TEST(Matrix, EqualityAndLateBoundCopies) {
        {Variant::Nothing(), Variant(3.0), Variant("text"), Variant(), Variant(MakeRef<TK2DLine>())})
     EXPECT_EQ(ErrorOf([&] { Call(mo, "CopyFromIUnknown", {junk}); }), 0) << junk.TypeName();
   EXPECT_EQ(m->Elements().e[3][3], 2.0);
-
-  // The array copy leaves a wrongly shaped array alone.
-  Variant wrong = Variant(SafeArray::Matrix(VarType::Double, 0, 3, 0, 2));
-  m->AcquireMatrix(wrong);
-  EXPECT_EQ(ToDouble(wrong.AsArray().Get(0, 0)), 0.0);
-  m->SetMatrix(wrong);
-  EXPECT_EQ(m->Elements().e[0][0], 2.0);
 }
 
 TEST(Matrix, AxisAndAngleRebuildTheRotation) {
@@ -189,8 +182,7 @@ TEST(Matrix, AxisAndAngleRebuildTheRotation) {
     auto axis = Vec(9, 9, 9, 4);
     double again;
     m.GetVectorAxisAndAngle(axis, again);
-    EXPECT_EQ(again, back);
-    EXPECT_EQ(axis->Components().c[0], x);
+    EXPECT_EQ((Xyzw{Of(axis)[0], Of(axis)[1], Of(axis)[2], again}), (Xyzw{x, y, z, back}));
   }
   Xyzw identity;
   TKMatrix4d().GetAxisAndAngle(identity[0], identity[1], identity[2], identity[3]);
