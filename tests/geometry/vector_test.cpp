@@ -111,8 +111,7 @@ TEST(Vector, MoveAlongVectorAndErrors) {
   EXPECT_EQ(Of(v), (Xyzw{1, 7, 9, 7}));
 
   Ref<Object> o = v;
-  EXPECT_EQ(ErrorOf([&] { Call(o, "Value", {4}, CallKind::Get); }), 9);
-  EXPECT_EQ(ErrorOf([&] { Call(o, "Value", {-1}, CallKind::Get); }), 9);
+  for (int i : {4, -1}) EXPECT_EQ(ErrorOf([&] { Call(o, "Value", {i}, CallKind::Get); }), 9) << i;
   EXPECT_EQ(ErrorOf([&] { Call(o, "Value", {4, 1.0}, CallKind::Let); }), 9);
   EXPECT_EQ(ErrorOf([&] { Call(o, "Dot", {1.0}); }), 424);
   EXPECT_EQ(ErrorOf([&] { Call(o, "Dot", {Variant::Nothing()}); }), 91);

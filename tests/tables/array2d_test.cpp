@@ -63,22 +63,6 @@ struct PlainArray {
   return ::testing::AssertionSuccess();
 }
 
-// A foreign table: Rows, Columns and GetValue by name, failing on request.
-class ForeignTable final : public Dispatch<ForeignTable> {
- public:
-  static constexpr std::string_view kClassName = "ForeignTable";
-  static void Describe(ClassBuilder<ForeignTable>& b) {
-    b.Get<&ForeignTable::Rows>("Rows").Get<&ForeignTable::Columns>("Columns").Method<&ForeignTable::GetValue>("GetValue", Out<1, 2>{});
-  }
-  std::int32_t Rows() const { return 2; }
-  std::int32_t Columns() const { return 3; }
-  Variant GetValue(std::int32_t& r, std::int32_t& c) const {
-    if (r == 2 && c == failAt) Raise(Err::DivisionByZero);
-    return Variant(std::to_string(r * 10 + c));  // text that converts to Double
-  }
-  std::int32_t failAt = 0;
-};
-
 }  // namespace
 
 TEST(Array2D, GrowthAndDimensionsMatchThePlainModel) {
@@ -148,10 +132,16 @@ TEST(Array2D, Copies) {
   EXPECT_EQ(ErrorOf([&] { small->Copy(Ref<TK2DArray>()); }), 91);
 
   // From any object offering Rows, Columns and GetValue; errors give False.
-  auto foreign = MakeRef<ForeignTable>();
+  // A foreign table: two rows, three columns, failing at a chosen cell of row 2.
+  std::int32_t failAt = 0;
+  auto foreign = MakeRef<Testing::FakeObject>();
+  foreign->Value("Rows", 2).Value("Columns", 3).On("GetValue", [&](CallKind, std::span<Variant> rc) {
+    if (ToLong(rc[0]) == 2 && ToLong(rc[1]) == failAt) Raise(Err::DivisionByZero);
+    return Variant(std::to_string(ToLong(rc[0]) * 10 + ToLong(rc[1])));  // text that converts to Double
+  });
   EXPECT_TRUE(small->CopyFromIUnknown(foreign));
   EXPECT_EQ(RowsOf(*small), (Table{{11, 12, 13}, {21, 22, 23}}));
-  foreign->failAt = 2;
+  failAt = 2;
   EXPECT_FALSE(small->CopyFromIUnknown(foreign));
   EXPECT_EQ(RowsOf(*small), (Table{{11, 12, 13}, {21, 0, 0}}));  // copied up to the failure
   EXPECT_FALSE(small->CopyFromIUnknown(Ref<Object>()));
