@@ -1,11 +1,14 @@
-// The type-library and string-resource writers, driven by member tables.
+// The type-library and string-resource writers, driven by member tables,
+// and what DllRegisterServer writes and DllUnregisterServer removes.
 #include <gtest/gtest.h>
 
 #include <array>
+#include <set>
 #include <string>
 
 #include "automation/Members.hpp"
 #include "com/Guid.hpp"
+#include "com/Registration.hpp"
 #include "com/TypeLibraryWriter.hpp"
 #include "frame/ClassCatalogue.hpp"
 #include "frame/StringTable.hpp"
@@ -45,7 +48,8 @@ class Sample final : public Dispatch<Sample> {
   bool Order(std::int32_t, ParamArray) { return true; }
 };
 
-constexpr std::array<std::string_view, 1> kEarlier = {"{11111111-2222-3333-4444-555555555555}"};
+constexpr std::array<std::string_view, 2> kEarlier = {"{11111111-2222-3333-4444-555555555555}",
+                                                      "{66666666-7777-8888-9999-AAAAAAAAAAAA}"};
 const ClassRecord kSampleRecord{"Sample", "TessarkAO.Sample", "{47ACD0FF-AF38-11D2-99DB-00A0244EC406}",
                                 "{FC2139FF-4068-11D3-80CC-00C04F6BFADF}", kEarlier, false};
 
@@ -55,6 +59,20 @@ std::string SampleIdl() {
 }
 
 bool Has(const std::string& text, const std::string& line) { return text.find(line) != std::string::npos; }
+
+constexpr std::string_view kPath = "C:\\Program Files\\Tessark\\tktools.dll";
+
+std::string Find(const std::vector<RegistryValue>& values, const std::string& key,
+                 const std::string& name = "") {
+  for (const RegistryValue& v : values)
+    if (v.key == key && v.name == name) return v.data;
+  return "<absent>";
+}
+
+bool Below(const std::string& key, const std::string& tree) {
+  return key == tree ||
+         (key.size() > tree.size() && key.compare(0, tree.size(), tree) == 0 && key[tree.size()] == '\\');
+}
 
 }  // namespace
 
@@ -137,11 +155,6 @@ TEST(StringTableScript, EveryEntryQuotedForTheResourceCompiler) {
 TEST(Guid, ParsesTheCatalogueFormsAndRejectsTheRest) {
   const auto g = ParseGuid("{47acd072-AF38-11d2-99DB-00A0244EC406}");
   ASSERT_TRUE(g);
-  EXPECT_EQ(g->data1, 0x47ACD072u);
-  EXPECT_EQ(g->data2, 0xAF38u);
-  EXPECT_EQ(g->data3, 0x11D2u);
-  EXPECT_EQ(g->data4[0], 0x99u);
-  EXPECT_EQ(g->data4[7], 0x06u);
   EXPECT_EQ(FormatGuid(*g), "{47ACD072-AF38-11D2-99DB-00A0244EC406}");
   EXPECT_EQ(ParseGuid("47ACD072-AF38-11D2-99DB-00A0244EC406"), g);
   for (std::string_view bad : {"", "{47ACD072-AF38-11D2-99DB-00A0244EC406", "47ACD072AF3811D299DB00A0244EC406",
@@ -155,4 +168,52 @@ TEST(Guid, ParsesTheCatalogueFormsAndRejectsTheRest) {
       EXPECT_EQ(FormatGuid(*parsed), id);
     }
   }
+}
+
+TEST(Registration, ClassProgIdInterfacesAndTypeLibrary) {
+  const ServedClass c{&kSampleRecord, nullptr};
+  const auto values = RegistrationValues(std::span<const ServedClass>(&c, 1), kPath, ServerTypeLibrary());
+  const std::string clsid = "CLSID\\{47ACD0FF-AF38-11D2-99DB-00A0244EC406}";
+  EXPECT_EQ(Find(values, clsid), "TessarkAO.Sample");
+  EXPECT_EQ(Find(values, clsid + "\\InprocServer32"), kPath);
+  EXPECT_EQ(Find(values, clsid + "\\InprocServer32", "ThreadingModel"), "Apartment");
+  EXPECT_EQ(Find(values, clsid + "\\ProgID"), "TessarkAO.Sample");
+  EXPECT_EQ(Find(values, clsid + "\\TypeLib"), std::string(kTypeLibraryId));
+  EXPECT_EQ(Find(values, "TessarkAO.Sample\\Clsid"), "{47ACD0FF-AF38-11D2-99DB-00A0244EC406}");
+  // The default interface and every earlier one go to the dispatch marshaller.
+  for (std::string_view iid : {kSampleRecord.iid, kEarlier[0], kEarlier[1]}) {
+    const std::string key = "Interface\\" + std::string(iid);
+    EXPECT_EQ(Find(values, key), "_Sample") << iid;
+    EXPECT_EQ(Find(values, key + "\\ProxyStubClsid32"), std::string(kDispatchProxyStub));
+    EXPECT_EQ(Find(values, key + "\\TypeLib", "Version"), "1.0");
+  }
+  const std::string lib = "TypeLib\\" + std::string(kTypeLibraryId) + "\\1.0";
+  EXPECT_EQ(Find(values, lib + "\\0\\win64"), kPath);
+  EXPECT_EQ(Find(values, lib + "\\HELPDIR"), "C:\\Program Files\\Tessark");
+  EXPECT_EQ(Find(values, lib + "\\FLAGS"), "0");
+}
+
+TEST(Registration, UnregistrationCoversEverythingRegistrationWrites) {
+  // Every catalogued class registered at once: each value lies in a tree
+  // that unregistration removes, and the trees name every class.
+  std::vector<ServedClass> all;
+  for (const ClassRecord& r : LibraryClasses()) all.push_back({&r, nullptr});
+  const auto values = RegistrationValues(all, kPath, ServerTypeLibrary());
+  const auto trees = RegistrationTrees(LibraryClasses(), ServerTypeLibrary());
+  for (const RegistryValue& v : values) {
+    bool covered = false;
+    for (const std::string& t : trees) covered = covered || Below(v.key, t);
+    EXPECT_TRUE(covered) << v.key;
+  }
+  const std::set<std::string> unique(trees.begin(), trees.end());
+  EXPECT_EQ(unique.size(), trees.size());
+  for (const ClassRecord& r : LibraryClasses()) {
+    EXPECT_TRUE(unique.count("CLSID\\" + std::string(r.clsid))) << r.name;
+    EXPECT_TRUE(unique.count(std::string(r.progId))) << r.name;
+  }
+  // Nothing outside the server's own identifiers is touched.
+  for (const std::string& t : trees)
+    EXPECT_TRUE(t.rfind("CLSID\\{", 0) == 0 || t.rfind("Interface\\{", 0) == 0 ||
+                t.rfind("TypeLib\\{", 0) == 0 || t.rfind("TessarkAO.", 0) == 0)
+        << t;
 }

@@ -437,6 +437,18 @@ TEST_F(RegistryStoreTest, RegImportAppliesDeletionsAndIsAllOrNothing) {
   EXPECT_NE(store_->LastError().find("missing.reg"), std::string::npos);
 }
 
+// Makes a store file holding one key, then writes `bytes` over it at `offset`.
+std::string Overwritten(const std::string& path, std::streamoff offset, std::string_view bytes) {
+  RegHandle h = 0;
+  EXPECT_EQ(OpenRegistryStore(path)->CreateKey(kHkeyCurrentUser, "Software\\Kept", h), 0);
+  std::filesystem::remove(path + "-wal");
+  std::filesystem::remove(path + "-shm");
+  std::fstream f(path, std::ios::in | std::ios::out | std::ios::binary);
+  f.seekp(offset);
+  f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return path;
+}
+
 TEST_F(RegistryStoreTest, CorruptOrUnreadableStoreGivesAClearStatus) {
   RegHandle h = 0;
   // Not a database at all.
@@ -450,37 +462,15 @@ TEST_F(RegistryStoreTest, CorruptOrUnreadableStoreGivesAClearStatus) {
   EXPECT_EQ(store->ImportRegText("REGEDIT4\n[HKCU\\a]\n"), WinError::RegistryCorrupt);
 
   // A real store whose pages were overwritten.
-  const std::string damaged = dir_ / "damaged.sqlite3";
-  {
-    auto good = OpenRegistryStore(damaged);
-    ASSERT_EQ(good->CreateKey(kHkeyCurrentUser, "Software\\Kept", h), 0);
-  }
-  std::filesystem::remove(damaged + "-wal");
-  std::filesystem::remove(damaged + "-shm");
-  {
-    std::fstream f(damaged, std::ios::in | std::ios::out | std::ios::binary);
-    f.seekp(16);
-    const std::string junk(4096, '\xEE');
-    f.write(junk.data(), static_cast<std::streamsize>(junk.size()));
-  }
-  store = OpenRegistryStore(damaged);
+  store = OpenRegistryStore(Overwritten(dir_ / "damaged.sqlite3", 16, std::string(4096, '\xEE')));
   EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Kept", RegAccess::Read, h),
             WinError::RegistryCorrupt);
   EXPECT_NE(store->LastError().find("corrupt"), std::string::npos);
 
-  // A database of some other program.
-  const std::string foreign = dir_ / "foreign.sqlite3";
-  {
-    auto good = OpenRegistryStore(foreign);
-    ASSERT_EQ(good->CreateKey(kHkeyCurrentUser, "x", h), 0);
-  }
-  {
-    std::fstream f(foreign, std::ios::in | std::ios::out | std::ios::binary);
-    f.seekp(68);  // the header's application id
-    f.write("\0\0\0\1", 4);
-  }
-  store = OpenRegistryStore(foreign);
-  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), WinError::RegistryCorrupt);
+  // A database of some other program: another application id in the header.
+  store = OpenRegistryStore(Overwritten(dir_ / "foreign.sqlite3", 68, std::string_view("\0\0\0\1", 4)));
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Kept", RegAccess::Read, h),
+            WinError::RegistryCorrupt);
   EXPECT_NE(store->LastError().find("another program"), std::string::npos);
 
   // A folder where the file should be.
