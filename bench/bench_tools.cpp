@@ -20,6 +20,7 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Members.hpp"
 #include "platform/UserInterface.hpp"
+#include "refhost/BomData.hpp"
 #include "tools/PointFile.hpp"
 
 using namespace TessarkAO;
@@ -87,35 +88,22 @@ constexpr std::int32_t kRows = 10'000, kColumns = 10;  // 100,000 cells
 
 std::string CellText(std::int32_t r, std::int32_t c) { return "Part " + std::to_string(r) + "-" + std::to_string(c); }
 
-class Table final : public Dispatch<Table> {
- public:
-  static constexpr std::string_view kClassName = "BOMData";
-  static void Describe(ClassBuilder<Table>& b) {
-    b.Get<&Table::Filename>("Filename")
-        .Get<&Table::Flags>("Flags")
-        .Get<&Table::Rows>("Rows")
-        .Get<&Table::Columns>("Columns")
-        .Method<&Table::GetCellData>("GetCellData", Out<1, 2>{})
-        .Method<&Table::GetFontName>("GetFontName", Out<1, 2>{})
-        .Method<&Table::GetFontSize>("GetFontSize", Out<1, 2>{})
-        .Method<&Table::GetFontFormat>("GetFontFormat", Out<1, 2>{});
-  }
-  std::string Filename() { return (Dir() / "export.xlsx").string(); }
-  std::int32_t Flags() { return 1; }
-  std::int32_t Rows() { return kRows; }
-  std::int32_t Columns() { return kColumns; }
-  Variant GetCellData(std::int32_t& r, std::int32_t& c) {
-    return c % 2 ? Variant(CellText(r, c)) : Variant(r * 0.25 + c);
-  }
-  std::string GetFontName(std::int32_t&, std::int32_t& c) { return c == 1 ? "Arial" : "Calibri"; }
-  double GetFontSize(std::int32_t& r, std::int32_t&) { return r == 1 ? 12.0 : 10.0; }
-  std::int32_t GetFontFormat(std::int32_t& r, std::int32_t& c) { return (r + c) % 4; }
-};
+Ref<RefHost::BomData> BomTable() {
+  RefHost::BomData::Source source;
+  source.filename = (Dir() / "export.xlsx").string();
+  source.rows = kRows;
+  source.columns = kColumns;
+  source.cell = [](std::int32_t r, std::int32_t c) { return c % 2 ? Variant(CellText(r, c)) : Variant(r * 0.25 + c); };
+  source.fontName = [](std::int32_t, std::int32_t c) { return std::string(c == 1 ? "Arial" : "Calibri"); };
+  source.fontSize = [](std::int32_t r, std::int32_t) { return r == 1 ? 12.0 : 10.0; };
+  source.fontFormat = [](std::int32_t r, std::int32_t c) { return (r + c) % 4; };
+  return MakeRef<RefHost::BomData>(std::move(source));
+}
 
 void BM_ExportThroughExporter(benchmark::State& state) {
   GetHeadlessUserInterface()->SetEcho(false);
   Ref<Object> exports = CreateObject("TessarkAO.TKExports");
-  Ref<Table> table = MakeRef<Table>();
+  Ref<RefHost::BomData> table = BomTable();
   for (auto _ : state) {
     Variant args[] = {Variant(table)};
     exports->Invoke("ExportBOMToExcel", CallKind::Method, args);

@@ -1,6 +1,6 @@
 // The subcommands of tktools: each is a name, a one-line summary, its usage
 // text and a function that runs it.  A new subcommand is one more Command in
-// the table of main.cpp.
+// the table of main.cpp and its --help text in usage/<name>.txt.
 #pragma once
 
 #include <stdexcept>

@@ -12,43 +12,6 @@
 
 namespace TessarkAO::Cli {
 
-extern const std::string_view kRegUsage;
-const std::string_view kRegUsage =
-    "usage: tktools reg import FILE.reg [--codepage N]\n"
-    "       tktools reg export [KEY] [--format 4|5] [--codepage N]\n"
-    "       tktools reg get KEY VALUE\n"
-    "       tktools reg set KEY VALUE DATA [--dword | --reg-data]\n"
-    "\n"
-    "Reads and writes the registry store the library uses ($TESSARKAO_REGISTRY, else\n"
-    "$XDG_CONFIG_HOME/tessarkao/registry.sqlite3).\n"
-    "\n"
-    "  import   applies a .reg file in one transaction, or nothing: REGEDIT4 (in\n"
-    "           the ANSI code page) or \"Windows Registry Editor Version 5.00\"\n"
-    "           (UTF-16LE with its byte-order mark, or UTF-8); FILE - reads stdin\n"
-    "  export   prints KEY and everything below it as a .reg file (every root when\n"
-    "           KEY is not given): --format 5 (the default) is version 5.00 in\n"
-    "           UTF-16LE with a byte-order mark, --format 4 is REGEDIT4 in the ANSI\n"
-    "           code page; text that the code page cannot hold is refused\n"
-    "  get      prints the data of VALUE: text for strings, a decimal number for\n"
-    "           dword and qword values, two-digit hex bytes for the others\n"
-    "  set      writes DATA into VALUE, creating the key when needed: as a string\n"
-    "           (with its terminating NUL, as the registry editor writes it), as a\n"
-    "           dword with --dword (decimal, or hex after 0x), or in the notation of\n"
-    "           a .reg file with --reg-data (dword:0000000c, hex:01,02, hex(1):61,62)\n"
-    "\n"
-    "KEY starts with a root, long or short: HKEY_CURRENT_USER\\Software\\Tessark or\n"
-    "HKCU\\Software\\Tessark (also HKEY_LOCAL_MACHINE / HKLM, HKEY_CLASSES_ROOT /\n"
-    "HKCR).  VALUE @ is the key's default value.\n"
-    "\n"
-    "options:\n"
-    "  --registry FILE   use this store file instead\n"
-    "  --codepage N      the ANSI code page of REGEDIT4 files (default 1252,\n"
-    "                    Windows-1252; 65001 is UTF-8)\n"
-    "  -h, --help        show this text\n"
-    "\n"
-    "Exit status: 0 done, 1 the store refused (or, for get, there is no such value),\n"
-    "2 for a wrong call.\n";
-
 namespace {
 
 struct KeyName {

@@ -21,25 +21,6 @@ namespace py = pybind11;
 
 namespace TessarkAO::Cli {
 
-extern const std::string_view kRunUsage;
-const std::string_view kRunUsage =
-    "usage: tktools run SCRIPT.py [--scene FILE.json] [--save FILE.json] [-- ARGS...]\n"
-    "\n"
-    "Runs a Python script with the TessarkAO library and a reference-host application.\n"
-    "The script's globals `tk` (the tessarkao module) and `app` (the application) are\n"
-    "ready; sys.argv is SCRIPT.py followed by ARGS.\n"
-    "\n"
-    "options:\n"
-    "  --scene FILE.json   start from this scene file (default: a new, empty scene)\n"
-    "  --save FILE.json    save the scene of `app` to this file after the script\n"
-    "  -h, --help          show this text\n"
-    "\n"
-    "SCRIPT.py and FILE.json may be -, standard input (one of them) or output.\n"
-    "\n"
-    "Exit status: 0 when the script ran to its end (or the status it passed to\n"
-    "sys.exit), 1 when it raised or the scene could not be loaded or saved, 2 for a\n"
-    "wrong call.\n";
-
 namespace {
 
 bool IsFile(const std::string& path) {

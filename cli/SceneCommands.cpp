@@ -11,24 +11,6 @@
 
 namespace TessarkAO::Cli {
 
-extern const std::string_view kTreeUsage;
-const std::string_view kTreeUsage =
-    "usage: tktools tree FILE.json [--page NAME]\n"
-    "\n"
-    "Prints the tree the scene viewer shows for a page of the scene file: the page's\n"
-    "root as \"Top Shape\", every shape below it with its type name, and the profile\n"
-    "content (loops and curves) of the shapes that have one, one line per node,\n"
-    "indented two blanks a level.\n"
-    "\n"
-    "options:\n"
-    "  --page NAME   the page to show (default: the active page); --page all shows\n"
-    "                every page, each after a line \"== page NAME\"\n"
-    "  FILE.json - reads the scene from standard input\n"
-    "  -h, --help    show this text\n"
-    "\n"
-    "Exit status: 0 printed, 1 the scene could not be read or has no such page, 2 for\n"
-    "a wrong call.\n";
-
 namespace {
 
 int TreeCommand(const std::vector<std::string>& raw) {

@@ -10,49 +10,12 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Members.hpp"
 #include "platform/UserInterface.hpp"
+#include "refhost/BomData.hpp"
 #include "refhost/RefHost.hpp"
 #include "scene/Functions.hpp"
 #include "scene/Scene.hpp"
 
 namespace TessarkAO::Cli {
-
-extern const std::string_view kImportUsage;
-const std::string_view kImportUsage =
-    "usage: tktools import-bspline POINTS.txt --scene FILE.json --select SHAPE --save OUT.json\n"
-    "       tktools import-bspline --scene FILE.json --select SHAPE [--save OUT.json]\n"
-    "\n"
-    "Without POINTS.txt the import dialog is shown and the file is chosen in it.\n"
-    "Imports the fit points of POINTS.txt as a B-spline path into SHAPE of the scene's\n"
-    "active page, as the import dialog does when the file is chosen and Import pressed.\n"
-    "\n"
-    "options:\n"
-    "  --scene FILE.json   the scene to import into\n"
-    "  --select SHAPE      the shape to select first: its name, or its full path\n"
-    "                      (\"Scene1//Assembly//Part\")\n"
-    "  --save OUT.json     where the scene with the new path is saved (needed with\n"
-    "                      POINTS.txt: the import changes nothing else)\n"
-    "  -h, --help          show this text\n"
-    "\n"
-    "POINTS.txt, FILE.json or OUT.json may be -, standard input or output.\n"
-    "\n"
-    "Exit status: 0 imported, 1 the import or the scene failed (the message shown is\n"
-    "the reason), 2 for a wrong call.\n";
-
-extern const std::string_view kExportUsage;
-const std::string_view kExportUsage =
-    "usage: tktools export-bom BOM.csv OUT.xlsx\n"
-    "\n"
-    "Writes the table of BOM.csv (comma separated, double quotes around fields that\n"
-    "hold commas, quotes or line breaks) into a new workbook saved under exactly the\n"
-    "name OUT.xlsx, through the bill-of-materials exporter: the first row is bold,\n"
-    "the columns are fitted to their texts.  A field is a number when it is written\n"
-    "as one: an optional minus sign, digits without leading zeros (0 itself, 0.5),\n"
-    "an optional fraction and exponent (12.5, 1e-3); anything else (007, +1, 1,5,\n"
-    "\" 12\", a part number) stays text.\n"
-    "\n"
-    "BOM.csv may be - for standard input, OUT.xlsx - for standard output.\n"
-    "\n"
-    "Exit status: 0 written, 1 the export failed, 2 for a wrong call.\n";
 
 namespace {
 
@@ -218,46 +181,24 @@ bool WrittenAsNumber(std::string_view f) {
   return i == f.size();
 }
 
-// A bill-of-materials table over the cells of a CSV file.
-class CsvTable final : public Dispatch<CsvTable> {
- public:
-  static constexpr std::string_view kClassName = "BOMData";
-  static void Describe(ClassBuilder<CsvTable>& b) {
-    b.Get<&CsvTable::Filename>("Filename")
-        .Get<&CsvTable::Flags>("Flags")
-        .Get<&CsvTable::Rows>("Rows")
-        .Get<&CsvTable::Columns>("Columns")
-        .Method<&CsvTable::GetCellData>("GetCellData", Names{"Row", "Column"}, Out<1, 2>{})
-        .Method<&CsvTable::GetFontName>("GetFontName", Names{"Row", "Column"}, Out<1, 2>{})
-        .Method<&CsvTable::GetFontSize>("GetFontSize", Names{"Row", "Column"}, Out<1, 2>{})
-        .Method<&CsvTable::GetFontFormat>("GetFontFormat", Names{"Row", "Column"}, Out<1, 2>{});
-  }
-  CsvTable(std::vector<std::vector<std::string>> rows, std::string file)
-      : rows_(std::move(rows)), file_(std::move(file)) {
-    for (const auto& r : rows_) columns_ = std::max(columns_, static_cast<std::int32_t>(r.size()));
-  }
-  std::string Filename() { return file_; }
-  std::int32_t Flags() { return 1; }
-  std::int32_t Rows() { return static_cast<std::int32_t>(rows_.size()); }
-  std::int32_t Columns() { return columns_; }
-  // A field written as a number is a number; anything else is text.
-  Variant GetCellData(std::int32_t& r, std::int32_t& c) {
-    const auto& row = rows_.at(static_cast<std::size_t>(r - 1));
-    if (static_cast<std::size_t>(c) > row.size()) return Variant();
+// A bill-of-materials table over the cells of a CSV file: a field written
+// as a number is a number, anything else is text; the first row is bold.
+Ref<RefHost::BomData> CsvTable(std::vector<std::vector<std::string>> rows, std::string file) {
+  RefHost::BomData::Source source;
+  source.filename = std::move(file);
+  source.rows = static_cast<std::int32_t>(rows.size());
+  for (const auto& r : rows) source.columns = std::max(source.columns, static_cast<std::int32_t>(r.size()));
+  source.cell = [rows = std::move(rows)](std::int32_t r, std::int32_t c) {
+    const auto& row = rows.at(static_cast<std::size_t>(r - 1));
+    if (c < 1 || static_cast<std::size_t>(c) > row.size()) return Variant();
     const std::string& f = row[static_cast<std::size_t>(c - 1)];
     double v;
     if (WrittenAsNumber(f) && ParseNumber(f, NumberLocale{}, v) == 0) return Variant(v);
     return Variant(f);
-  }
-  std::string GetFontName(std::int32_t&, std::int32_t&) { return "Arial"; }
-  double GetFontSize(std::int32_t&, std::int32_t&) { return 10.0; }
-  std::int32_t GetFontFormat(std::int32_t& r, std::int32_t&) { return r == 1 ? 1 : 0; }
-
- private:
-  std::vector<std::vector<std::string>> rows_;
-  std::string file_;
-  std::int32_t columns_ = 0;
-};
+  };
+  source.fontFormat = [](std::int32_t r, std::int32_t) { return r == 1 ? 1 : 0; };
+  return MakeRef<RefHost::BomData>(std::move(source));
+}
 
 int ExportBomCommand(const std::vector<std::string>& raw) {
   const Arguments args(raw, {});
@@ -270,7 +211,7 @@ int ExportBomCommand(const std::vector<std::string>& raw) {
   // The workbook is saved under a name of the spreadsheet's liking (with
   // its extension) and then given exactly the name asked for.
   OutputFile out(args.Positionals()[1], ".xlsx");
-  Ref<CsvTable> table = MakeRef<CsvTable>(ReadCsv(text.str()), out.Path());
+  Ref<RefHost::BomData> table = CsvTable(ReadCsv(text.str()), out.Path());
   if (table->Columns() > 26) throw CommandError("the exporter writes at most 26 columns (A to Z)");
 
   HeadlessUserInterface* ui = GetHeadlessUserInterface();

@@ -14,17 +14,6 @@
 
 namespace TessarkAO::Cli {
 
-extern const std::string_view kViewUsage;
-const std::string_view kViewUsage =
-    "usage: tktools view SCENE.json [--page NAME]\n"
-    "\n"
-    "Shows the scene viewer on a page of the scene (default: the active page), as\n"
-    "DialogUtils.GetCLSID(707, 808) does for a tool.  It needs a display; headless it\n"
-    "closes at once and its tree is printed instead.\n"
-    "\n"
-    "Exit status: 0 shown, 1 the scene cannot be loaded or has no such page, 2 for a\n"
-    "wrong call.\n";
-
 namespace {
 
 Ref<Object> LoadSceneOrFail(const std::string& path) {

@@ -11,22 +11,17 @@
 #include <vector>
 
 #include "Command.hpp"
+#include "Usage.hpp"
 #include "automation/AutomationError.hpp"
 #include "platform/Registry.hpp"
 
 namespace TessarkAO::Cli {
 int RunScript(const std::vector<std::string>& args);
-extern const std::string_view kRunUsage;
 int ImportBSplineRun(const std::vector<std::string>& args);
-extern const std::string_view kImportUsage;
 int ExportBomRun(const std::vector<std::string>& args);
-extern const std::string_view kExportUsage;
 int TreeRun(const std::vector<std::string>& args);
-extern const std::string_view kTreeUsage;
 int RegRun(const std::vector<std::string>& args);
-extern const std::string_view kRegUsage;
 int ViewRun(const std::vector<std::string>& args);
-extern const std::string_view kViewUsage;
 }  // namespace TessarkAO::Cli
 
 namespace {
@@ -64,12 +59,12 @@ std::string ValidText(std::string_view text) {
 }
 
 const Command kCommands[] = {
-    {"run", "run a Python script with the library and a reference-host scene", kRunUsage, &RunScript},
-    {"tree", "print the scene viewer's tree of a scene file", kTreeUsage, &TreeRun},
-    {"reg", "import, export, read and write the registry store", kRegUsage, &RegRun},
-    {"import-bspline", "import a fit-point file as a B-spline into a scene", kImportUsage, &ImportBSplineRun},
-    {"view", "show the scene viewer on a scene file (needs a display)", kViewUsage, &ViewRun},
-    {"export-bom", "write a bill of materials from a CSV file to an .xlsx workbook", kExportUsage, &ExportBomRun},
+    {"run", "run a Python script with the library and a reference-host scene", kUsage_run, &RunScript},
+    {"tree", "print the scene viewer's tree of a scene file", kUsage_tree, &TreeRun},
+    {"reg", "import, export, read and write the registry store", kUsage_reg, &RegRun},
+    {"import-bspline", "import a fit-point file as a B-spline into a scene", kUsage_import_bspline, &ImportBSplineRun},
+    {"view", "show the scene viewer on a scene file (needs a display)", kUsage_view, &ViewRun},
+    {"export-bom", "write a bill of materials from a CSV file to an .xlsx workbook", kUsage_export_bom, &ExportBomRun},
 };
 
 void PrintOverview(std::FILE* out) {

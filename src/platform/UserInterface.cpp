@@ -17,10 +17,10 @@ std::string_view MessageIconName(MessageIcon icon) noexcept {
 
 MessageIcon IconOfStyle(std::int32_t style) noexcept {
   switch (style & 0x70) {
-    case 0x10: return MessageIcon::Critical;
-    case 0x20: return MessageIcon::Question;
-    case 0x30: return MessageIcon::Exclamation;
-    case 0x40: return MessageIcon::Information;
+    case MessageStyle::Critical: return MessageIcon::Critical;
+    case MessageStyle::Question: return MessageIcon::Question;
+    case MessageStyle::Exclamation: return MessageIcon::Exclamation;
+    case MessageStyle::Information: return MessageIcon::Information;
     default: return MessageIcon::None;
   }
 }

@@ -39,6 +39,13 @@ constexpr std::int32_t Ok = 0;
 constexpr std::int32_t OkCancel = 1;
 constexpr std::int32_t YesNo = 4;
 }  // namespace MessageButtons
+// The icons of the style value (its bits 0x70).
+namespace MessageStyle {
+constexpr std::int32_t Critical = 0x10;
+constexpr std::int32_t Question = 0x20;
+constexpr std::int32_t Exclamation = 0x30;
+constexpr std::int32_t Information = 0x40;
+}  // namespace MessageStyle
 namespace MessageAnswer {
 constexpr std::int32_t Ok = 1;
 constexpr std::int32_t Cancel = 2;
@@ -103,11 +110,11 @@ class HeadlessUserInterface final : public UserInterface {
   void RunModal(ModalDialog& dialog) override;
   std::pair<std::int32_t, std::int32_t> ScreenSize() const override;
 
-  void QueueFile(std::string name);      // "" answers the next file dialog as cancelled
-  void QueueButton(std::string name);    // "Import", "Cancel", "Close", ...
-  void QueueAnswer(std::int32_t answer); // the answer of the next message box (default: OK / Yes)
+  void QueueFile(std::string name);       // "" answers the next file dialog as cancelled
+  void QueueButton(std::string name);     // "Import", "Cancel", "Close", ...
+  void QueueAnswer(std::int32_t answer);  // the answer of the next message box (default: OK / Yes)
   void SetScreenSize(std::int32_t width, std::int32_t height);
-  void SetEcho(bool echo);               // write messages to stderr (default on)
+  void SetEcho(bool echo);  // write messages to stderr (default on)
   std::vector<MessageRecord> Messages() const;
   std::vector<DialogRecord> Shown() const;
   // The last file dialog's request: title, filter, default extension.

@@ -1,17 +1,10 @@
 #include "tools/TKExports.hpp"
 
 #include "automation/Catalogue.hpp"
+#include "frame/StringTable.hpp"
 #include "platform/UserInterface.hpp"
 
 namespace TessarkAO {
-
-namespace {
-
-constexpr std::int32_t kExclamation = 48;
-constexpr std::int32_t kTitle = 115;
-constexpr std::int32_t kNotInstalled = 116;
-
-}  // namespace
 
 void TKExports::Describe(ClassBuilder<TKExports>& b) {
   b.Method<&TKExports::ExportBOMToExcel>(
@@ -41,7 +34,8 @@ void TKExports::ExportBOMToExcel(Ref<Object> BOMData) {
   } catch (const AutomationError&) {
   }
   if (!application) {
-    GetUserInterface().MessageBox(Globals::LoadString(kNotInstalled), Globals::LoadString(kTitle), kExclamation);
+    GetUserInterface().MessageBox(Globals::LoadString(StringId::SpreadsheetMissing),
+                                  Globals::LoadString(StringId::ExportTitle), MessageStyle::Exclamation);
     return;
   }
   const Variant excel(application);

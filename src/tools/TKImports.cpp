@@ -4,6 +4,7 @@
 
 #include "automation/Catalogue.hpp"
 #include "automation/Checked.hpp"
+#include "frame/StringTable.hpp"
 #include "platform/UserInterface.hpp"
 #include "tools/ImportBSplineDialog.hpp"
 #include "tools/PointFile.hpp"
@@ -11,18 +12,6 @@
 namespace TessarkAO {
 
 namespace {
-
-constexpr std::int32_t kExclamation = 48;
-constexpr std::int32_t kInformation = 64;
-
-enum Text : std::int32_t {
-  kTitle = 119,
-  kNoScene = 118,
-  kInvalidData = 120,
-  kCompleted = 121,
-  kTooLarge = 123,
-  kCanceled = 124,
-};
 
 constexpr std::int32_t kPathComponents = 3;
 constexpr std::int16_t kSplineDegree = 3;
@@ -39,13 +28,13 @@ void TKImports::Describe(ClassBuilder<TKImports>& b) {
 }
 
 void TKImports::Message(std::string_view text, std::int32_t style) {
-  GetUserInterface().MessageBox(text, Globals::LoadString(kTitle), style);
+  GetUserInterface().MessageBox(text, Globals::LoadString(StringId::ImportMessageTitle), style);
 }
 
 void TKImports::ImportBSpline(Ref<Object> objApplication) {
   const Variant app(objApplication);
   if (ToLong(app.Get("Pages").Get("Count")) == 0) {
-    Message(Globals::LoadString(kNoScene), kExclamation);
+    Message(Globals::LoadString(StringId::NoSceneOpen), MessageStyle::Exclamation);
     return;
   }
 
@@ -58,13 +47,15 @@ void TKImports::ImportBSpline(Ref<Object> objApplication) {
   Ref<TK2DArray> table = PointFile::ReadPointFile(dialog.FileName());
   if (!table) Raise(Err::FileNotFound, "The fit-point file \"" + dialog.FileName() + "\" cannot be opened");
   if (table->Rows() < 2 || table->Columns() < 2) {
-    Message(Globals::LoadString(kInvalidData), kExclamation);
+    Message(Globals::LoadString(StringId::InvalidPointData), MessageStyle::Exclamation);
     return;
   }
 
   const double scale = ToDouble(app.Get("ActivePage").Get("UnitsScale", kLengthUnits));
   if (!WithinLimits(*table, scale)) {
-    Message(Globals::LoadString(kTooLarge) + "\r\n" + Globals::LoadString(kCanceled), kExclamation);
+    Message(Globals::LoadString(StringId::CoordinatesTooLarge) + "\r\n" +
+                Globals::LoadString(StringId::ImportCancelled),
+            MessageStyle::Exclamation);
     return;
   }
 
@@ -77,7 +68,7 @@ bool TKImports::CheckPointFile(std::string& fileName) {
   Ref<TK2DArray> table = PointFile::ReadPointFile(fileName);
   if (!table) return false;
   if (table->Rows() < 2 || table->Columns() < 2) {
-    Message(Globals::LoadString(kInvalidData), kExclamation);
+    Message(Globals::LoadString(StringId::InvalidPointData), MessageStyle::Exclamation);
     return false;
   }
   return true;
@@ -106,7 +97,8 @@ void TKImports::CreateBSplinePath(const Variant& item, const TK2DArray& table) {
   const Variant curve = path.Invoke("AddBSplineTo", CallKind::Method, endArgs);
 
   // Closed only when the first and last points are exactly equal.
-  Variant closed(table.GetValue(1, 1) == table.GetValue(n, 1) && table.GetValue(1, 2) == table.GetValue(n, 2));
+  Variant closed(table.GetValue(1, 1) == table.GetValue(n, 1) &&
+                 table.GetValue(1, 2) == table.GetValue(n, 2));
 
   // The host takes the first two columns as an n x 2 table, rows and columns from 1.
   SafeArray points = SafeArray::Matrix(VarType::Double, 1, n, 1, 2);
@@ -116,13 +108,13 @@ void TKImports::CreateBSplinePath(const Variant& item, const TK2DArray& table) {
     data[static_cast<std::size_t>(n + r - 1)] = Variant(table.GetValue(r, 2));
   }
   Variant fitPoints(std::move(points));
-  Variant defineArgs[] = {Variant(kSplineDegree), Variant(false), Variant::ByRef(closed),
+  Variant defineArgs[] = {Variant(kSplineDegree),    Variant(false),     Variant::ByRef(closed),
                           Variant::ByRef(fitPoints), Variant::Nothing(), Variant::Nothing()};
   curve.Invoke("SetDefinitionByFitPoints", CallKind::Method, defineArgs);
 
   path.Let("Closed", closed.AsBoolean());
   item.Get("Application").Get("ActivePage").Call("Update");
-  Message(Globals::LoadString(kCompleted), kInformation);
+  Message(Globals::LoadString(StringId::ImportCompleted), MessageStyle::Information);
 }
 
 }  // namespace TessarkAO

@@ -9,6 +9,7 @@
 #include "automation/Catalogue.hpp"
 #include "automation/Members.hpp"
 #include "platform/Spreadsheet.hpp"
+#include "refhost/BomData.hpp"
 #include "tools/TKExports.hpp"
 
 using namespace TessarkAO;
@@ -16,50 +17,33 @@ using namespace ToolsTest;
 
 namespace {
 
-// A table object as the host supplies one: cell (r, c) holds "r:c" text in
-// odd columns and r * c in even ones; every member call is counted.
-class Bom final : public Dispatch<Bom> {
- public:
-  static constexpr std::string_view kClassName = "BOMData";
-  static void Describe(ClassBuilder<Bom>& b) {
-    b.Get<&Bom::Filename>("Filename")
-        .Get<&Bom::Flags>("Flags")
-        .Get<&Bom::Rows>("Rows")
-        .Get<&Bom::Columns>("Columns")
-        .Method<&Bom::GetCellData>("GetCellData", Out<1, 2>{})
-        .Method<&Bom::GetFontName>("GetFontName", Out<1, 2>{})
-        .Method<&Bom::GetFontSize>("GetFontSize", Out<1, 2>{})
-        .Method<&Bom::GetFontFormat>("GetFontFormat", Out<1, 2>{});
+// A table as the host supplies one: cell (r, c) holds "r:c" text in odd
+// columns and r * c in even ones, and row `failAt` raises 9; every cell
+// read is counted.
+struct Bom {
+  Bom(std::string file, std::int32_t rows, std::int32_t columns, std::int32_t failAt = -1) {
+    RefHost::BomData::Source s;
+    s.filename = std::move(file);
+    s.rows = rows;
+    s.columns = columns;
+    s.cell = [this, failAt](std::int32_t r, std::int32_t c) {
+      ++cellCalls;
+      if (failAt == r) Raise(Err::SubscriptOutOfRange);
+      return c % 2 ? Variant(std::to_string(r) + ":" + std::to_string(c)) : Variant(static_cast<double>(r * c));
+    };
+    s.fontSize = [](std::int32_t r, std::int32_t) { return 9.0 + r; };
+    s.fontFormat = [](std::int32_t r, std::int32_t) { return r % 4; };
+    table = MakeRef<RefHost::BomData>(std::move(s));
   }
-  Bom(std::string file, std::int32_t rows, std::int32_t cols) : file_(std::move(file)), rows_(rows), cols_(cols) {}
-  std::string Filename() { return file_; }
-  std::int32_t Flags() { return flags_; }
-  std::int32_t Rows() { return rows_; }
-  std::int32_t Columns() { return cols_; }
-  Variant GetCellData(std::int32_t& r, std::int32_t& c) {
-    ++cellCalls;
-    if (failAt == r) Raise(Err::SubscriptOutOfRange);
-    if (c % 2) return Variant(std::to_string(r) + ":" + std::to_string(c));
-    return Variant(static_cast<double>(r * c));
+  Bom(const Bom&) = delete;
+  void Export() {
+    Ref<Object> exports = CreateObject("TessarkAO.TKExports");
+    Variant args[] = {Variant(table)};
+    exports->Invoke("ExportBOMToExcel", CallKind::Method, args);
   }
-  std::string GetFontName(std::int32_t&, std::int32_t&) { return "Arial"; }
-  double GetFontSize(std::int32_t& r, std::int32_t&) { return 9.0 + r; }
-  std::int32_t GetFontFormat(std::int32_t& r, std::int32_t&) { return r % 4; }
-
-  std::int32_t flags_ = 1;
-  std::int32_t failAt = -1;
   int cellCalls = 0;
-
- private:
-  std::string file_;
-  std::int32_t rows_, cols_;
+  Ref<RefHost::BomData> table;
 };
-
-void Export(const Ref<Bom>& bom) {
-  Ref<Object> exports = CreateObject("TessarkAO.TKExports");
-  Variant args[] = {Variant(bom)};
-  exports->Invoke("ExportBOMToExcel", CallKind::Method, args);
-}
 
 bool IsZipFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
@@ -80,11 +64,11 @@ TEST(Export, WritesAWorkbookAndAnyFlagsIsThePlainLayout) {
   Ui().Clear();
   for (std::int32_t flags : {1, 2, 0}) {
     const std::string file = (TempDir() / ("bom" + std::to_string(flags) + ".xlsx")).string();
-    Ref<Bom> bom = MakeRef<Bom>(file, 5, 3);
-    bom->flags_ = flags;
-    Export(bom);
+    Bom bom(file, 5, 3);
+    bom.table->Data().flags = flags;
+    bom.Export();
     EXPECT_TRUE(IsZipFile(file)) << flags;
-    EXPECT_EQ(bom->cellCalls, 15);
+    EXPECT_EQ(bom.cellCalls, 15);
   }
   EXPECT_TRUE(Ui().Messages().empty());
 }
@@ -93,14 +77,12 @@ TEST(Export, FailuresReachTheCaller) {
   // Column 27's address is refused by the spreadsheet.
   const std::string wide = (TempDir() / "wide.xlsx").string();
   std::string description;
-  EXPECT_EQ(ErrorOf([&] { Export(MakeRef<Bom>(wide, 1, 27)); }, &description), Spreadsheet::kMethodFailed);
+  EXPECT_EQ(ErrorOf([&] { Bom(wide, 1, 27).Export(); }, &description), Spreadsheet::kMethodFailed);
   EXPECT_NE(description.find("[1"), std::string::npos) << description;
   EXPECT_FALSE(std::filesystem::exists(wide));
   // A failing table member: its own error, nothing saved.
   const std::string failing = (TempDir() / "failing.xlsx").string();
-  Ref<Bom> bom = MakeRef<Bom>(failing, 3, 2);
-  bom->failAt = 2;
-  EXPECT_EQ(ErrorOf([&] { Export(bom); }), Err::SubscriptOutOfRange);
+  EXPECT_EQ(ErrorOf([&] { Bom(failing, 3, 2, 2).Export(); }), Err::SubscriptOutOfRange);
   EXPECT_FALSE(std::filesystem::exists(failing));
 }
 

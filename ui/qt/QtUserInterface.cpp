@@ -40,12 +40,12 @@ class QtUserInterface final : public UserInterface {
     QMessageBox box(Owner());
     box.setWindowTitle(Text(title));
     box.setText(Text(text));
-    switch (style & 0x70) {
-      case 0x10: box.setIcon(QMessageBox::Critical); break;
-      case 0x20: box.setIcon(QMessageBox::Question); break;
-      case 0x30: box.setIcon(QMessageBox::Warning); break;
-      case 0x40: box.setIcon(QMessageBox::Information); break;
-      default: break;
+    switch (IconOfStyle(style)) {
+      case MessageIcon::Critical: box.setIcon(QMessageBox::Critical); break;
+      case MessageIcon::Question: box.setIcon(QMessageBox::Question); break;
+      case MessageIcon::Exclamation: box.setIcon(QMessageBox::Warning); break;
+      case MessageIcon::Information: box.setIcon(QMessageBox::Information); break;
+      case MessageIcon::None: break;
     }
     // The classic button sets, each button with its classic answer.
     struct Button {
