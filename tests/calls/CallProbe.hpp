@@ -4,8 +4,9 @@
 // ParamArray, by-reference outputs, a default member) and members that fail
 // the ways a call can fail: an automation error, a standard exception from
 // the fast path of a plain get and from the checked path, and std::bad_alloc;
-// and members that call an object of the caller's late-bound.  Every front
-// end's test creates it as "TkTest.CallProbe".
+// members that call an object of the caller's late-bound; and defaults the
+// type library must state or leave out.  Every front end's test creates it as
+// "TkTest.CallProbe".
 #pragma once
 
 #include <new>
@@ -39,7 +40,9 @@ class CallProbe final : public Dispatch<CallProbe> {
         .Method<&CallProbe::Fill>("Fill", Names{"array"}, Out<1>{})
         .Method<&CallProbe::Echo>("Echo", Names{"v"})
         .Method<&CallProbe::CallByName>("CallByName", Names{"obj", "name"})
-        .Method<&CallProbe::CallTwice>("CallTwice", Names{"obj", "x"}, Out<2>{});
+        .Method<&CallProbe::CallTwice>("CallTwice", Names{"obj", "x"}, Out<2>{})
+        .Method<&CallProbe::Scale>("Scale", Names{"double"}, Opt{Variant(0.5)})
+        .Method<&CallProbe::Label>("Label", Names{"text", "upper"}, Opt{Variant("a\"b"), Variant(true)});
   }
 
   double GetX() const { return x_; }
@@ -79,6 +82,8 @@ class CallProbe final : public Dispatch<CallProbe> {
     obj->Invoke("Twice", CallKind::Method, args);
     x = ToDouble(args[0]);
   }
+  double Scale(double f) const { return f; }
+  std::string Label(std::string text, bool) const { return text; }
 
   static void Register() {
     RegisterForeignProgId(kProgId, [] { return Ref<Object>(new CallProbe()); });

@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "automation/Members.hpp"
+#include "calls/CallProbe.hpp"
 #include "com/Guid.hpp"
 #include "com/Registration.hpp"
 #include "com/TypeLibraryWriter.hpp"
@@ -18,43 +18,13 @@ using namespace TessarkAO::Com;
 
 namespace {
 
-class Sample final : public Dispatch<Sample> {
- public:
-  static constexpr std::string_view kClassName = "Sample";
-  static void Describe(ClassBuilder<Sample>& b) {
-    b.Property<&Sample::GetX, &Sample::LetX>("X")
-        .Method<&Sample::GetPosition>("GetPosition", Names{"dblX", "dblY"}, Out<1, 2>{})
-        .Method<&Sample::Sum>("Sum", Names{"a", "b"}, Opt{Variant(std::int32_t{10})})
-        .Method<&Sample::Scale>("Scale", Names{"factor"}, Opt{Variant(0.5)})
-        .Method<&Sample::Seen>("Seen", Names{"v"}, Opt{Variant::Missing()})
-        .Method<&Sample::Label>("Label", Names{"text", "upper"}, Opt{Variant("a\"b"), Variant(true)})
-        .Get<&Sample::Value>("Value", Names{"long"})
-        .Let<&Sample::LetValue>("Value")
-        .Default()
-        .PropertyRef<&Sample::GetChild, &Sample::SetChild>("Child")
-        .Method<&Sample::Order>("Order", Names{"kind", "columns"});
-  }
-  double GetX() { return 0; }
-  void LetX(double) {}
-  void GetPosition(double&, double&) {}
-  std::int32_t Sum(std::int32_t a, std::int32_t b) { return a + b; }
-  double Scale(double f) { return f; }
-  bool Seen(const Variant& v) { return v.IsMissing(); }
-  std::string Label(std::string t, bool) { return t; }
-  double Value(std::int32_t) { return 0; }
-  void LetValue(std::int32_t, double) {}
-  Ref<Object> GetChild() { return {}; }
-  void SetChild(Ref<Object>) {}
-  bool Order(std::int32_t, ParamArray) { return true; }
-};
-
 constexpr std::array<std::string_view, 2> kEarlier = {"{11111111-2222-3333-4444-555555555555}",
                                                       "{66666666-7777-8888-9999-AAAAAAAAAAAA}"};
 const ClassRecord kSampleRecord{"Sample", "TessarkAO.Sample", "{47ACD0FF-AF38-11D2-99DB-00A0244EC406}",
                                 "{FC2139FF-4068-11D3-80CC-00C04F6BFADF}", kEarlier, false};
 
 std::string SampleIdl() {
-  const ServedClass c{&kSampleRecord, &Sample::StaticClass()};
+  const ServedClass c{&kSampleRecord, &Testing::CallProbe::StaticClass()};
   return WriteIdl(ServerTypeLibrary(), std::span<const ServedClass>(&c, 1));
 }
 
@@ -81,19 +51,20 @@ TEST(TypeLibraryWriter, MembersBecomeDispatchInterfaceEntriesInSlotOrder) {
   const std::vector<std::string> expected = {
       "[id(1), propget] double X();",
       "[id(1), propput] void X([in] double rhs);",
-      "[id(2)] void GetPosition([in, out] double* dblX, [in, out] double* dblY);",
       "[id(3)] long Sum([in] long a, [in, optional, defaultvalue(10)] long b);",
-      // A default the library cannot state (a fraction) leaves an optional VARIANT.
-      "[id(4)] double Scale([in, optional] VARIANT factor);",
-      "[id(5)] VARIANT_BOOL Seen([in, optional] VARIANT v);",
-      "[id(6)] BSTR Label([in, optional, defaultvalue(\"a\\\"b\")] BSTR text, "
+      "[id(4)] VARIANT_BOOL Seen([in, optional] VARIANT v);",
+      "[id(5), vararg] BSTR List([in] BSTR prefix, [in] SAFEARRAY(VARIANT) items);",
+      "[id(6)] void GetPair([in, out] long* a, [in, out] double* b);",
+      // The default member is DISPID_VALUE.
+      "[id(0), propget] long Item([in] long index);",
+      "[id(0), propput] void Item([in] long index, [in] long rhs);",
+      "[id(11), propget] IDispatch* Child();",
+      "[id(11), propputref] void Child([in] IDispatch* rhs);",
+      // A default the library cannot state (a fraction) leaves an optional
+      // VARIANT; a reserved word is renamed.
+      "[id(16)] double Scale([in, optional] VARIANT double_);",
+      "[id(17)] BSTR Label([in, optional, defaultvalue(\"a\\\"b\")] BSTR text, "
       "[in, optional, defaultvalue(-1)] VARIANT_BOOL upper);",
-      // The default member is DISPID_VALUE; a reserved word is renamed.
-      "[id(0), propget] double Value([in] long long_);",
-      "[id(0), propput] void Value([in] long long_, [in] double rhs);",
-      "[id(8), propget] IDispatch* Child();",
-      "[id(8), propputref] void Child([in] IDispatch* rhs);",
-      "[id(9), vararg] VARIANT_BOOL Order([in] long kind, [in] SAFEARRAY(VARIANT) columns);",
   };
   std::size_t at = 0;
   for (const std::string& line : expected) {
