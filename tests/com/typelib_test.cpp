@@ -96,15 +96,11 @@ TEST(TypeLibraryWriter, IdentifiersAreMadeUsable) {
 TEST(TypeLibraryWriter, EveryServedClassAppearsOnceWithItsInterface) {
   const std::vector<ServedClass> served = ServedClasses();
   const std::string idl = WriteIdl(ServerTypeLibrary(), served);
+  // Every member's entry, by name and dispatch id, is client_test's, in the compiled library.
   for (const ServedClass& c : served) {
-    ASSERT_NE(c.info, nullptr);
-    EXPECT_TRUE(HasFactory(c.record->name));
     const std::string coclass = "coclass " + std::string(c.record->name) + " {";
     EXPECT_EQ(idl.find(coclass), idl.rfind(coclass)) << c.record->name;
     EXPECT_TRUE(Has(idl, "[uuid(" + std::string(StripBraces(c.record->iid)) + "), hidden")) << c.record->name;
-    // Every member of the table has its entries.
-    for (const MemberInfo& m : c.info->Members())
-      EXPECT_TRUE(Has(idl, " " + IdlIdentifier(m.name) + "(")) << c.record->name << "." << m.name;
   }
   // The interfaces' enumerations, with their constants' values, and the members' help strings.
   EXPECT_TRUE(Has(idl, "enum TKColumnTypes {\n    TKColumnType_None = 0,\n    TKColumnType_Double = 1,\n"

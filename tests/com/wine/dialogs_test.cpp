@@ -329,9 +329,8 @@ TEST_CASE("scene viewer: GetCLSID(707, 808) shows the page; the lists follow the
     CHECK(TextStarts(GetDlgItem(dialog, C::lblStatus), L"Active Component : "));
 
     // A larger window gives the tree and the lists the room.
-    RECT before{}, after{};
+    RECT before{}, after{}, outer{};
     GetWindowRect(tree, &before);
-    RECT outer{};
     GetWindowRect(dialog, &outer);
     SetWindowPos(dialog, nullptr, 0, 0, outer.right - outer.left + 200, outer.bottom - outer.top + 100,
                  SWP_NOMOVE | SWP_NOZORDER);
