@@ -38,6 +38,7 @@
 #include "automation/Convert.hpp"
 #include "automation/Members.hpp"
 #include "automation/Variant.hpp"
+#include "frame/Conventions.hpp"
 #include "platform/UserInterface.hpp"
 #include "refhost/RefHost.hpp"
 
@@ -266,7 +267,7 @@ class CallDriver {
                                           1e-320,
                                           1e308,
                                           -1e308,
-                                          3.14159265358979,
+                                          kPi,
                                           1e15,
                                           std::numeric_limits<double>::infinity(),
                                           std::numeric_limits<double>::quiet_NaN(),

@@ -14,10 +14,9 @@
 #include <cstdint>
 
 #include "builders/BuilderBase.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-enum TKExtrudeDirection : std::int32_t { TKExtrude_Up = 1, TKExtrude_Down = 2 };
 
 class TKExtrudeShape final : public PlacedBuilder<TKExtrudeShape, BuilderSteps::kExtrudeSizebox> {
  public:

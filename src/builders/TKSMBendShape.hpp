@@ -17,37 +17,9 @@
 #include "automation/Members.hpp"
 #include "frame/Conventions.hpp"
 #include "frame/Globals.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-enum ESheetMetalBendDirections : std::int32_t {
-  SheetMetalBendDirection_Up = 1,
-  SheetMetalBendDirection_Down = 2,
-};
-enum ESheetMetalBendDropFlags : std::int32_t {
-  SheetMetalBendDropFlag_None = 0,
-  SheetMetalBendDropFlag_Autosize = 1,
-  SheetMetalBendDropFlag_AlignInside = 2,
-  SheetMetalBendDropFlag_AlignOutside = 4,
-  SheetMetalBendDropFlag_RadiusSeam = 8,
-  SheetMetalBendDropFlag_RadiusFromPreferences = 16,
-  SheetMetalBendDropFlag_AddFlatStock = 32,
-  SheetMetalBendDropFlag_SegmentOneHandleDisplayed = 64,
-  SheetMetalBendDropFlag_SegmentTwoHandleDisplayed = 128,
-};
-enum ESheetMetalBendReliefTypes : std::int32_t {
-  SheetMetalBendRelief_None = 0,
-  SheetMetalBendRelief_Rectangular = 1,
-  SheetMetalBendRelief_Circular = 2,
-};
-enum ESheetMetalReliefs : std::int32_t {
-  SheetMetalRelief_None = 0,
-  SheetMetalRelief_SegmentOneBelow = 1,
-  SheetMetalRelief_SegmentOneAbove = 2,
-  SheetMetalRelief_SegmentTwoBelow = 4,
-  SheetMetalRelief_SegmentTwoAbove = 8,
-  SheetMetalRelief_All = 15,
-};
 
 class TKSMBendShape final : public Dispatch<TKSMBendShape> {
  public:

@@ -16,10 +16,9 @@
 #include <cstdint>
 
 #include "builders/BuilderBase.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-enum ESheetMetalTypes : std::int32_t { SheetMetalType_FlatStock = 1, SheetMetalType_Punch = 2 };
 
 class TKSMExtrudeShape final : public PlacedBuilder<TKSMExtrudeShape> {
  public:

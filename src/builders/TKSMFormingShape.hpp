@@ -23,14 +23,9 @@
 #pragma once
 
 #include "builders/BuilderBase.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-// Which side of the sheet the form stands out of.
-enum ESheetMetalFormDirections : std::int32_t {
-  SheetMetalFormDirection_Up = 1,
-  SheetMetalFormDirection_Down = 2,
-};
 
 class TKSMFormingShape final : public PlacedBuilder<TKSMFormingShape> {
  public:

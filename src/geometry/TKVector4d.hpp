@@ -35,15 +35,10 @@
 
 #include "automation/Members.hpp"
 #include "frame/Globals.hpp"
+#include "frame/PublishedEnums.hpp"
 #include "geometry/MatrixMath.hpp"
 
 namespace TessarkAO {
-
-enum TKColinearStatus : std::int32_t {
-  TKColinearStatus_NotColinear = 0,
-  TKColinearStatus_SameDirection = 1,
-  TKColinearStatus_OppositeDirection = 2,
-};
 
 class TKVector4d final : public Dispatch<TKVector4d> {
  public:

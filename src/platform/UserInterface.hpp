@@ -41,10 +41,7 @@ constexpr std::int32_t YesNo = 4;
 }  // namespace MessageButtons
 // The icons of the style value (its bits 0x70).
 namespace MessageStyle {
-constexpr std::int32_t Critical = 0x10;
-constexpr std::int32_t Question = 0x20;
-constexpr std::int32_t Exclamation = 0x30;
-constexpr std::int32_t Information = 0x40;
+enum : std::int32_t { Critical = 0x10, Question = 0x20, Exclamation = 0x30, Information = 0x40 };
 }  // namespace MessageStyle
 namespace MessageAnswer {
 constexpr std::int32_t Ok = 1;

@@ -14,24 +14,9 @@
 #include <string_view>
 
 #include "automation/Members.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-enum EProjectionFlags : std::int32_t {
-  DisplayCosmeticThread = 1,
-  DisplayCallout = 2,
-  DisplayHoleInformation = 4,
-};
-
-enum EHoleInformationFlags : std::int32_t {
-  DisplayInfoExtent = 1,
-  DisplayInfoDepth = 2,
-  DisplayInfoCounterboreDepth = 4,
-  DisplayInfoCounterboreDiameter = 8,
-  DisplayInfoCountersinkDiameter = 16,
-  DisplayInfoCountersinkAngle = 32,
-  DisplayInfoBottomAngle = 64,
-};
 
 class TK2DProjectedThreads final : public Dispatch<TK2DProjectedThreads> {
  public:

@@ -24,18 +24,9 @@
 
 #include "automation/Members.hpp"
 #include "frame/Globals.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-// The host's curve codes, as TKCurve.CurveType holds them.
-enum TKCurveType : std::int32_t {
-  TKCurveType_Fillet = 0,
-  TKCurveType_Line = 1,
-  TKCurveType_Arc = 2,
-  TKCurveType_Bezier = 3,
-  TKCurveType_Ellipse = 4,
-  TKCurveType_BSpline = 5,
-};
 
 class TKCurve final : public Dispatch<TKCurve> {
  public:

@@ -23,15 +23,10 @@
 
 #include "automation/Members.hpp"
 #include "frame/Globals.hpp"
+#include "frame/PublishedEnums.hpp"
 #include "profiles/TKOutline.hpp"
 
 namespace TessarkAO {
-
-enum TKDeparameterizeOptions : std::int32_t {
-  TKDeparameterizeAll = 0,
-  TKDeparameterizeXAxis = 1,
-  TKDeparameterizeYAxis = 2,
-};
 
 class TKProfile final : public Dispatch<TKProfile> {
  public:

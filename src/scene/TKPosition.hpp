@@ -18,11 +18,9 @@
 
 #include "automation/Members.hpp"
 #include "frame/Globals.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-// Which fields Zero clears.
-enum class TKZeroParameters : std::int32_t { ZeroPosition = 1, ZeroRotation = 2, ZeroAll = 3 };
 
 class TKPosition final : public Dispatch<TKPosition> {
  public:

@@ -12,22 +12,11 @@
 #include <string_view>
 
 #include "automation/Members.hpp"
+#include "frame/PublishedEnums.hpp"
 #include "scene/TKPosition.hpp"
 #include "scene/TKSurfaceFinish.hpp"
 
 namespace TessarkAO {
-
-enum class TKBoundingBoxIndices : std::int32_t {
-  TKMinX = 1,
-  TKMinY = 2,
-  TKMinZ = 3,
-  TKMaxX = 4,
-  TKMaxY = 5,
-  TKMaxZ = 6,
-  TKLength = 7,
-  TKWidth = 8,
-  TKHeight = 9
-};
 
 class TKShape final : public Dispatch<TKShape> {
  public:

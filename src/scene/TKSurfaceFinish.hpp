@@ -12,17 +12,9 @@
 
 #include "automation/Members.hpp"
 #include "frame/Globals.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-enum class TKSurfaceFinishes : std::int32_t {
-  Aluminum = 1,
-  Brass = 2,
-  Bronze = 3,
-  Copper = 4,
-  Gold = 5,
-  Nylon = 6
-};
 
 // RGB(r, g, b) as a colour Long: red in the low byte.
 constexpr std::int32_t Rgb(std::int32_t r, std::int32_t g, std::int32_t b) { return r + g * 256 + b * 65536; }

@@ -15,10 +15,9 @@
 
 #include "automation/Members.hpp"
 #include "frame/Globals.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-enum class RefreshSettings : std::int32_t { OnDemand = 0, OnNumberOfShapes = 1, OnSetScene = 2 };
 
 class TKTreeView final : public Dispatch<TKTreeView> {
  public:

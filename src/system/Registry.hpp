@@ -8,15 +8,9 @@
 #include <string_view>
 
 #include "automation/Variant.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-// Root keys as callers of the library name them.
-enum TKRegistryKeys : std::int32_t {
-  TKRegistry_HKEY_CLASSES_ROOT = 1,
-  TKRegistry_HKEY_LOCAL_MACHINE = 2,
-  TKRegistry_HKEY_CURRENT_USER = 3,
-};
 
 namespace Registry {
 

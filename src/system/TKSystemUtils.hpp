@@ -11,23 +11,11 @@
 #include <string>
 
 #include "automation/Members.hpp"
+#include "frame/PublishedEnums.hpp"
 #include "platform/SystemInfo.hpp"
 #include "system/Registry.hpp"
 
 namespace TessarkAO {
-
-enum TKOperatingSystems : std::int32_t {
-  TKOS_Unknown = 0,
-  TKOS_Windows31 = 1,
-  TKOS_Windows95 = 2,
-  TKOS_Windows98 = 3,
-  TKOS_WindowsNT4 = 4,
-};
-
-enum TKSystemLCIDs : std::int32_t {
-  LCID_English = 1033,
-  LCID_Japanese = 1041,
-};
 
 // The family of a version record (nullptr: no record could be had).  Every
 // NT-family version reports TKOS_WindowsNT4, deliberately: callers only tell

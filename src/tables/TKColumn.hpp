@@ -24,15 +24,9 @@
 #include <vector>
 
 #include "automation/Members.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-enum TKColumnTypes : std::int32_t {
-  TKColumnType_None = 0,
-  TKColumnType_Double = 1,
-  TKColumnType_Object = 2,
-  TKColumnType_String = 3,
-};
 
 class TKColumn final : public Dispatch<TKColumn> {
  public:

@@ -25,16 +25,12 @@
 #include <vector>
 
 #include "automation/Members.hpp"
+#include "frame/PublishedEnums.hpp"
 #include "tables/SpanSort.hpp"
 #include "tables/TK2DArray.hpp"
 #include "tables/TKColumn.hpp"
 
 namespace TessarkAO {
-
-enum TKColumnSetSort : std::int32_t {
-  TKColumnSetSort_Ascending = 1,
-  TKColumnSetSort_Descending = 2,
-};
 
 class TKColumnSet final : public Dispatch<TKColumnSet> {
  public:

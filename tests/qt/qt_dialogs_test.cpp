@@ -105,11 +105,6 @@ class QtDialogs : public QObject {
     page_.Get("SelectedItems").Call("Add", part_);
   }
 
-  void serviceIsTheWindowedOne() {
-    QVERIFY(GetHeadlessUserInterface() == nullptr);
-    QVERIFY(GetUserInterface().ScreenSize().first > 0);
-  }
-
   // Browse, type the cam track's name, Import: the path is created.
   void importThroughTheControls() {
     bool browsed = false, before = false;
@@ -137,46 +132,39 @@ class QtDialogs : public QObject {
     QCOMPARE(Paths(), 1);
   }
 
-  // A valid file chosen, then Cancel, or the title-bar close: nothing is
-  // created and nothing is said.
-  void cancelAndCloseCreateNothing() {
-    for (const char* how : {"cmdCancel", "close"}) {
+  // A valid file chosen, then Cancel or the title-bar close: nothing is
+  // created and nothing is said.  A file of one number per line is refused:
+  // the message, Import disabled.
+  void cancelCloseAndInvalidFilesCreateNothing() {
+    QTemporaryFile invalid(QDir::tempPath() + "/tk-XXXXXX.txt");
+    QVERIFY(invalid.open());
+    invalid.write("1\n2\n3\n");
+    invalid.close();
+    const struct {
+      QString file;
+      const char* how;
+      QStringList messages;
+    } rows[] = {{kCamTrack, "cmdCancel", {}},
+                {kCamTrack, "close", {}},
+                {invalid.fileName(), "cmdCancel", {"The file does not contain valid B-Spline point data."}}};
+    for (const auto& row : rows) {
       bool browsed = false;
       Import([&](QWidget* top) {
-        if (Common(top, kCamTrack)) return;
+        if (Common(top, row.file)) return;
         if (!browsed) {
           browsed = true;
           Click(top, "cmdBrowse");
-        } else if (std::string_view(how) == "close") {
-          top->close();
-        } else {
-          Click(top, how);
+          return;
         }
+        QCOMPARE(top->findChild<QPushButton*>("cmdOK")->isEnabled(), row.messages.isEmpty());
+        if (std::string_view(row.how) == "close")
+          top->close();
+        else
+          Click(top, row.how);
       });
-      QVERIFY2(messages_.isEmpty(), how);
+      QCOMPARE(messages_, row.messages);
       QCOMPARE(Paths(), 0);
     }
-  }
-
-  // A file of one number per line is refused: the message, Import disabled.
-  void invalidFileKeepsImportDisabled() {
-    QTemporaryFile file(QDir::tempPath() + "/tk-XXXXXX.txt");
-    QVERIFY(file.open());
-    file.write("1\n2\n3\n");
-    file.close();
-    bool browsed = false;
-    Import([&](QWidget* top) {
-      if (Common(top, file.fileName())) return;
-      if (!browsed) {
-        browsed = true;
-        Click(top, "cmdBrowse");
-        return;
-      }
-      QVERIFY(!top->findChild<QPushButton*>("cmdOK")->isEnabled());
-      Click(top, "cmdCancel");
-    });
-    QCOMPARE(messages_, QStringList{"The file does not contain valid B-Spline point data."});
-    QCOMPARE(Paths(), 0);
   }
 
   // The viewer through the hidden dialog id: select the B-spline of the

@@ -19,7 +19,6 @@ TEST(Model, ANewSceneAndTheShapesAddedToIt) {
   EXPECT_EQ(ToLong(root.Get("Components", 18).Get("Count")), 1);
   EXPECT_TRUE(root.Get("Parent").IsNothing());
   EXPECT_TRUE(SameValue(root.Get("Page"), page));
-  EXPECT_EQ(ToDouble(page.Get("UnitsScale", 2)), 0.001);
   EXPECT_EQ(ToDouble(page.Get("UnitsScale", 1)), 0.017453292519943295);
   EXPECT_EQ(ToLong(page.Get("SelectedItems").Get("Count")), 0);
 

@@ -35,6 +35,14 @@ inline Variant AddShape(const Variant& parent, int kind, const std::string& name
 
 inline bool Same(const Variant& a, const Variant& b) { return a.AsObject().get() == b.AsObject().get(); }
 
+// A scene in millimetres and degrees: an assembly, a part in it, an extrude in that.
+struct ThreeLevels : ::testing::Test {
+  Variant app{RefHost::NewApplication()};
+  Variant assembly = AddShape(Root(app), 1, "Assembly");
+  Variant part = AddShape(assembly, 3, "Part");
+  Variant extrude = AddShape(part, 5, "Extrude");
+};
+
 // Records the host calls made while it lives.
 class Journal {
  public:

@@ -8,11 +8,7 @@ using namespace TessarkAO::SceneTest;
 
 namespace {
 
-struct Positions : ::testing::Test {
-  Variant app{RefHost::NewApplication()};  // millimetres and degrees
-  Variant assembly = AddShape(Root(app), 1, "Assembly");
-  Variant part = AddShape(assembly, 3, "Part");
-  Variant extrude = AddShape(part, 5, "Extrude");
+struct Positions : ThreeLevels {
   Ref<TKPosition> pos = MakeRef<TKPosition>();
   Variant p{Ref<Object>(pos)};
 

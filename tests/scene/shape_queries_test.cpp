@@ -8,11 +8,7 @@ using namespace TessarkAO::SceneTest;
 
 namespace {
 
-struct ThreeLevels : ::testing::Test {
-  Variant app{RefHost::NewApplication()};
-  Variant assembly = AddShape(Root(app), 1, "Assembly");
-  Variant part = AddShape(assembly, 3, "Part");
-  Variant extrude = AddShape(part, 5, "Extrude");
+struct Queries : ThreeLevels {
   Variant utils{CreateObject("TessarkAO.SceneUtils")};
 };
 
@@ -24,7 +20,7 @@ TEST(IdentityTag, MillisecondsSinceMidnight) {
   EXPECT_EQ(Functions::IdentityTag(86399.9999), "TKUTIL@86399999");
 }
 
-TEST_F(ThreeLevels, ParentSearchTagsTheShapeAndRestoresItsName) {
+TEST_F(Queries, ParentSearchTagsTheShapeAndRestoresItsName) {
   Journal journal;
   EXPECT_TRUE(Same(utils.Call("GetShapeParent", extrude), part));
   EXPECT_EQ(ToString(extrude.Get("Name")), "Extrude");
@@ -42,7 +38,7 @@ TEST_F(ThreeLevels, ParentSearchTagsTheShapeAndRestoresItsName) {
   EXPECT_TRUE(Same(utils.Call("GetShapeParent", assembly), Root(app)));
 }
 
-TEST_F(ThreeLevels, SameNamedSiblingsAreToldApartByTheTag) {
+TEST_F(Queries, SameNamedSiblingsAreToldApartByTheTag) {
   const Variant twin = AddShape(assembly, 3, "Part");
   const Variant inTwin = AddShape(twin, 5, "Extrude");
   EXPECT_TRUE(Same(Functions::FindShapeParent(inTwin), twin));
@@ -65,7 +61,7 @@ TEST(IdenticalShapes, IdentifiersAreReadAsIntegers) {
   EXPECT_EQ(ToString(utils.Call("GetShapePath", big)), "Scene1//");  // the parent search reads a Long
 }
 
-TEST_F(ThreeLevels, ChildContainersByShapeTypeAndDeletion) {
+TEST_F(Queries, ChildContainersByShapeTypeAndDeletion) {
   EXPECT_TRUE(utils.Call("GetShapeHistory", extrude).IsNothing());
   EXPECT_TRUE(Same(utils.Call("GetShapeHistory", assembly), assembly.Get("Components", 2).Call("Item", 1)));
   const Variant history = utils.Call("GetShapeHistory", part);
@@ -74,7 +70,7 @@ TEST_F(ThreeLevels, ChildContainersByShapeTypeAndDeletion) {
   EXPECT_EQ(ToLong(history.Get("Shapes").Get("Count")), 0);
 }
 
-TEST_F(ThreeLevels, FaceOwnership) {
+TEST_F(Queries, FaceOwnership) {
   const Variant facet = AddShape(part, 2, "Facet");  // a facet shape carries faces
   const Variant own = Comp(facet, 10).Get("Faces").Call("Add");
   Journal journal;

@@ -11,10 +11,7 @@ using namespace TessarkAO::SceneTest;
 
 namespace {
 
-struct Shapes : ::testing::Test {
-  Variant app{RefHost::NewApplication()};  // millimetres and degrees
-  Variant assembly = AddShape(Root(app), 1, "Assembly");
-  Variant part = AddShape(assembly, 3, "Part");
+struct Shapes : ThreeLevels {
   Variant shape{CreateObject("TessarkAO.TKShape")};
 };
 

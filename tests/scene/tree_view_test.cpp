@@ -58,30 +58,6 @@ void Grow(const Variant& parent, std::mt19937& rng, int depth, int& budget) {
 
 }  // namespace
 
-TEST(TreeView, PreOrderWithoutTheRoot) {
-  const Variant app(RefHost::LoadSceneFromString(R"({"pages": [{"name": "Scene1", "root": {
-    "name": "", "type": 1, "components": [{"type": 18}, {"type": 2, "shapes": [
-      {"name": "A", "type": 1, "components": [{"type": 2, "shapes": [
-        {"name": "E1", "type": 5},
-        {"name": "P", "type": 3, "components": [{"type": 23, "shapes": [{"name": "E2", "type": 5}]}]}]}]},
-      {"name": "Bare", "type": 3},
-      {"name": "Empty", "type": 1, "components": [{"type": 2}]}]}]}}]})"));
-  Variant tv(CreateObject("TessarkAO.TKTreeView"));
-  tv.Set("Scene", Page(app));
-  EXPECT_EQ(ToLong(tv.Get("NumberOfShapes")), 6);
-  const char* order[] = {"A", "E1", "P", "E2", "Bare", "Empty"};  // a bare part and an empty group: leaves
-  const int depths[] = {1, 2, 2, 3, 1, 1};
-  for (int i = 0; i < 6; ++i) {
-    EXPECT_EQ(ToString(tv.Get("Shape", i + 1, 0).Get("Name")), order[i]) << i;
-    EXPECT_EQ(ToLong(tv.Get("ShapeDepth", i + 1, 0)), depths[i]) << i;
-  }
-  EXPECT_EQ(ToString(tv.Get("Shape", 2, 5).Get("Name")), "E2");  // the second extrude
-
-  const Variant empty(RefHost::NewApplication());
-  tv.Set("Scene", Page(empty));
-  EXPECT_EQ(ToLong(tv.Get("NumberOfShapes")), 0);  // the root alone is not listed
-}
-
 TEST(TreeView, RefreshSettings) {
   const Variant app(RefHost::NewApplication());
   AddShape(Root(app), 5, "E1");
@@ -122,11 +98,13 @@ TEST(TreeView, RefreshSettings) {
   EXPECT_EQ(ToLong(tv.Get("RefreshSetting")), 7);
 }
 
+// Seed 0 is the root alone, which is not listed.  (Bare parts without a
+// history are walked as leaves in the viewer's scene of every kind.)
 TEST(TreeView, MatchesTheLiteralWalkOnRandomScenes) {
-  for (unsigned seed = 1; seed <= 30; ++seed) {
+  for (unsigned seed = 0; seed <= 30; ++seed) {
     const Variant app(RefHost::NewApplication());
     std::mt19937 rng(seed);
-    int budget = 150;
+    int budget = seed == 0 ? 0 : 150;
     Grow(Root(app), rng, 0, budget);
     LiteralTreeView model;
     model.Walk(Root(app), 0);
