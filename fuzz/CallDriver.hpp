@@ -11,8 +11,7 @@
 // exception) is a defect and stops the program.  Objects returned by calls
 // join the pool.
 //
-// Every choice comes from a Choices source: the fuzzer's input bytes, or a
-// seeded generator in the normal test suite.
+// Every choice comes from a Choices source, the fuzzer's input bytes.
 //
 // Reference cycles: as with any reference-counted object model, a caller
 // that makes object A hold B and B hold A leaks both.  The driver does not
@@ -27,7 +26,6 @@
 #include <cstdlib>
 #include <exception>
 #include <limits>
-#include <random>
 #include <span>
 #include <string>
 #include <vector>
@@ -71,17 +69,6 @@ class ByteChoices final : public Choices {
   std::uint32_t Next() { return at_ < bytes_.size() ? bytes_[at_++] : 0u; }
   std::span<const std::uint8_t> bytes_;
   std::size_t at_ = 0;
-};
-
-class SeededChoices final : public Choices {
- public:
-  explicit SeededChoices(std::uint32_t seed) : rng_(seed) {}
-  std::uint32_t Pick(std::uint32_t n) override {
-    return n <= 1 ? 0 : std::uniform_int_distribution<std::uint32_t>(0, n - 1)(rng_);
-  }
-
- private:
-  std::mt19937 rng_;
 };
 
 // A host object whose every answer is chosen by the driver: a missing

@@ -36,9 +36,7 @@ std::string TextOf(const Variant& v) {
 }
 
 CallKind KindOf(const std::string& k) {
-  if (k == "let") return CallKind::Let;
-  if (k == "method") return CallKind::Method;
-  return CallKind::Get;
+  return k == "let" ? CallKind::Let : k == "method" ? CallKind::Method : CallKind::Get;
 }
 
 }  // namespace

@@ -11,20 +11,15 @@
 #include "automation/AutomationError.hpp"
 
 using namespace TessarkAO;
-
-namespace {
 using Testing::ErrorOf;
-}  // namespace
 
 TEST(Variant, KeepsTheTypeItWasGiven) {
-  EXPECT_EQ(Variant(std::int16_t{1}).Type(), VarType::Integer);
-  EXPECT_EQ(Variant(1).Type(), VarType::Long);
-  EXPECT_EQ(Variant(1.0f).Type(), VarType::Single);
-  EXPECT_EQ(Variant(std::uint8_t{1}).Type(), VarType::Byte);
-  EXPECT_EQ(Variant("x").Type(), VarType::String);
-  EXPECT_EQ(Variant().TypeName(), "Empty");
-  EXPECT_EQ(Variant::Nothing().TypeName(), "Nothing");
-  EXPECT_EQ(Variant(SafeArray::Vector(VarType::Double, 0, 3)).TypeName(), "Double()");
+  const Variant array(SafeArray::Vector(VarType::Double, 0, 3));
+  std::string names;
+  for (const Variant& v : {Variant(std::int16_t{1}), Variant(1), Variant(1.0f), Variant(std::uint8_t{1}),
+                           Variant("x"), Variant(), Variant::Nothing(), array})
+    names += v.TypeName() + " ";
+  EXPECT_EQ(names, "Integer Long Single Byte String Empty Nothing Double() ");
   EXPECT_TRUE(Variant::Missing().IsMissing());
   EXPECT_FALSE(Variant(ErrorCode{5}).IsMissing());
   EXPECT_TRUE(Variant::Null().IsNull());
@@ -43,10 +38,8 @@ TEST(Variant, ByReferenceVariantsReadAndWriteTheTarget) {
 TEST(SafeArray, BoundsAndElementAccess) {
   SafeArray m = SafeArray::Matrix(VarType::Double, 1, 3, 0, 1);
   EXPECT_EQ(m.Dims(), 2);
-  EXPECT_EQ(m.LBound(1), 1);
-  EXPECT_EQ(m.UBound(1), 3);
-  EXPECT_EQ(m.LBound(2), 0);
-  EXPECT_EQ(m.UBound(2), 1);
+  EXPECT_EQ((std::vector<std::int32_t>{m.LBound(1), m.UBound(1), m.LBound(2), m.UBound(2)}),
+            (std::vector<std::int32_t>{1, 3, 0, 1}));
   m.Put(3, 1, Variant(7));
   EXPECT_EQ(m.Get(3, 1).Type(), VarType::Double);
   EXPECT_EQ(m.Get(3, 1).AsDouble(), 7.0);

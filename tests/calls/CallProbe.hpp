@@ -3,8 +3,10 @@
 // and without arguments, a read-only one, optional and omitted arguments, a
 // ParamArray, by-reference outputs, a default member) and members that fail
 // the ways a call can fail: an automation error, a standard exception from
-// the fast path of a plain get and from the checked path, and std::bad_alloc.
-// Every front end's test creates it as "TkTest.CallProbe".
+// the fast path of a plain get and from the checked path, and std::bad_alloc;
+// members that call an object of the caller's late-bound; and defaults the
+// type library must state or leave out.  Every front end's test creates it as
+// "TkTest.CallProbe".
 #pragma once
 
 #include <new>
@@ -12,6 +14,7 @@
 #include <string>
 
 #include "automation/Catalogue.hpp"
+#include "automation/Convert.hpp"
 #include "automation/Members.hpp"
 
 namespace TessarkAO::Testing {
@@ -34,7 +37,12 @@ class CallProbe final : public Dispatch<CallProbe> {
         .Get<&CallProbe::Exhausted>("Exhausted")
         .Method<&CallProbe::Raises>("Raises")
         .PropertyRef<&CallProbe::GetChild, &CallProbe::SetChild>("Child")
-        .Method<&CallProbe::Fill>("Fill", Names{"array"}, Out<1>{});
+        .Method<&CallProbe::Fill>("Fill", Names{"array"}, Out<1>{})
+        .Method<&CallProbe::Echo>("Echo", Names{"v"})
+        .Method<&CallProbe::CallByName>("CallByName", Names{"obj", "name"})
+        .Method<&CallProbe::CallTwice>("CallTwice", Names{"obj", "x"}, Out<2>{})
+        .Method<&CallProbe::Scale>("Scale", Names{"double"}, Opt{Variant(0.5)})
+        .Method<&CallProbe::Label>("Label", Names{"text", "upper"}, Opt{Variant("a\"b"), Variant(true)});
   }
 
   double GetX() const { return x_; }
@@ -66,6 +74,16 @@ class CallProbe final : public Dispatch<CallProbe> {
     for (std::int32_t i = 1; i <= 3; ++i) arr.Put(i, Variant(i * 0.5));
     a = Variant(std::move(arr));
   }
+  Variant Echo(const Variant& v) const { return v; }
+  Variant CallByName(Ref<Object> obj, std::string name) const { return Variant(obj).Get(name); }
+  // obj.Twice(x) with x by reference, and what it left there back to the caller.
+  void CallTwice(Ref<Object> obj, double& x) const {
+    Variant args[] = {Variant(x)};
+    obj->Invoke("Twice", CallKind::Method, args);
+    x = ToDouble(args[0]);
+  }
+  double Scale(double f) const { return f; }
+  std::string Label(std::string text, bool) const { return text; }
 
   static void Register() {
     RegisterForeignProgId(kProgId, [] { return Ref<Object>(new CallProbe()); });

@@ -45,6 +45,7 @@ TEST(Matrix, ConstructorsAndTheirComposition) {
   ExpectNear3(Point(x, 0, 1, 0), 0, 0, -1, 0);
   y.SetRotation(2, 90, false);
   ExpectNear3(Point(y, 0, 0, 1), 1, 0, 0, 0);
+  ExpectNear3(Point(y, 1, 0, 0), 0, 0, -1, 0);
 
   // Rotation and scaling append, translation prepends: both give T · R here.
   TKMatrix4d a, b;

@@ -30,25 +30,34 @@ class RegistryStoreTest : public ::testing::Test {
   void SetUp() override { store_ = OpenRegistryStore(dir_ / "reg.sqlite3"); }
   void TearDown() override { RestorePosixCalls(); }
 
-  RegHandle Create(RegHandle root, std::string_view path) {
+  // Each helper works on store_, or on the store given last.
+  RegHandle Create(RegHandle root, std::string_view path, RegistryStore* in = nullptr) {
     RegHandle h = 0;
-    EXPECT_EQ(store_->CreateKey(root, path, h), 0) << store_->LastError();
+    EXPECT_EQ(Of(in).CreateKey(root, path, h), 0) << Of(in).LastError();
     return h;
   }
-  void Put(RegHandle key, std::string_view name, std::uint32_t type, std::string_view data) {
-    ASSERT_EQ(store_->SetValue(key, name, type, reinterpret_cast<const std::uint8_t*>(data.data()),
-                               static_cast<std::uint32_t>(data.size())),
+  RegHandle Open(RegHandle root, std::string_view path, std::uint32_t access = RegAccess::Read,
+                 RegistryStore* in = nullptr) {
+    RegHandle h = 0;
+    EXPECT_EQ(Of(in).OpenKey(root, path, access, h), 0) << Of(in).LastError();
+    return h;
+  }
+  void Put(RegHandle key, std::string_view name, std::uint32_t type, std::string_view data,
+           RegistryStore* in = nullptr) {
+    ASSERT_EQ(Of(in).SetValue(key, name, type, reinterpret_cast<const std::uint8_t*>(data.data()),
+                              static_cast<std::uint32_t>(data.size())),
               0)
-        << store_->LastError();
+        << Of(in).LastError();
   }
   // The value's bytes (its type in type_), or "status N" when the query fails.
-  std::string Data(RegHandle key, std::string_view name) {
+  std::string Data(RegHandle key, std::string_view name, RegistryStore* in = nullptr) {
     std::uint32_t size = 0;
-    RegStatus s = store_->QueryValue(key, name, &type_, nullptr, &size);
+    RegStatus s = Of(in).QueryValue(key, name, &type_, nullptr, &size);
     std::vector<std::uint8_t> buf(size + 1, 0xAA);
-    if (s == 0) s = store_->QueryValue(key, name, &type_, buf.data(), &size);
+    if (s == 0) s = Of(in).QueryValue(key, name, &type_, buf.data(), &size);
     return s == 0 ? std::string(buf.begin(), buf.begin() + size) : Failed(s);
   }
+  RegistryStore& Of(RegistryStore* in) { return in ? *in : *store_; }
   static std::string Failed(RegStatus s) { return "status " + std::to_string(s); }
 
   TempDir dir_;
@@ -78,7 +87,6 @@ TEST_F(RegistryStoreTest, MissingFileIsAnEmptyStoreCreatedOnFirstWrite) {
 
   ASSERT_EQ(store->CreateKey(kHkeyCurrentUser, "SOFTWARE\\Tessark", h), 0) << store->LastError();
   EXPECT_TRUE(std::filesystem::exists(path));
-  EXPECT_EQ(store->CloseKey(h), 0);
 }
 
 TEST_F(RegistryStoreTest, HandlesAndRoots) {
@@ -108,8 +116,7 @@ TEST_F(RegistryStoreTest, HandlesAndRoots) {
 TEST_F(RegistryStoreTest, NamesAreCaseInsensitiveAndKeepTheirFirstSpelling) {
   const RegHandle k = Create(kHkeyCurrentUser, "SOFTWARE\\Tessark\\AddOns");
   Put(k, "LastRunProductName", RegType::String, std::string_view("TESSARK\0", 8));
-  RegHandle h = 0;
-  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "software\\TESSARK\\addons\\", RegAccess::Read, h), 0);
+  RegHandle h = Open(kHkeyCurrentUser, "software\\TESSARK\\addons\\");
   EXPECT_EQ(Data(h, "lastrunproductname"), std::string("TESSARK\0", 8));
 
   // Rewriting under another spelling replaces the value and keeps the name.
@@ -131,7 +138,7 @@ TEST_F(RegistryStoreTest, NamesAreCaseInsensitiveAndKeepTheirFirstSpelling) {
   // Text outside ASCII folds too.
   const RegHandle u = Create(kHkeyCurrentUser, "Software\\Ärger");
   Put(u, "Größe", RegType::Dword, std::string_view("\x01\0\0\0", 4));
-  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "SOFTWARE\\äRGER", RegAccess::Read, h), 0);
+  h = Open(kHkeyCurrentUser, "SOFTWARE\\äRGER");
   EXPECT_EQ(Data(h, "GRÖSSE"), Failed(WinError::FileNotFound));  // no special casing of ß
   EXPECT_EQ(Data(h, "GRÖßE"), std::string_view("\x01\0\0\0", 4));
 }
@@ -174,27 +181,22 @@ TEST_F(RegistryStoreTest, DataIsKeptAsWritten) {
   EXPECT_EQ(type_, RegType::Binary);
   EXPECT_EQ(Data(k, "odd"), "?");
   EXPECT_EQ(type_, 0x1234u);
-  EXPECT_EQ(Data(k, "missing"), Failed(WinError::FileNotFound));
 
   // A name ends at its first NUL, as a C string does.
   EXPECT_EQ(Data(k, std::string_view("raw\0junk", 8)), "abc");
 
   // RegSetValueA stores a default value with its NUL, creating the subkey.
   ASSERT_EQ(store_->SetKeyDefault(kHkeyClassesRoot, "Tool.Class\\Clsid", "{1234}"), 0);
-  RegHandle clsid = 0;
-  ASSERT_EQ(store_->OpenKey(kHkeyClassesRoot, "Tool.Class\\Clsid", RegAccess::Read, clsid), 0);
-  EXPECT_EQ(Data(clsid, ""), std::string("{1234}\0", 7));
+  EXPECT_EQ(Data(Open(kHkeyClassesRoot, "Tool.Class\\Clsid"), ""), std::string("{1234}\0", 7));
 }
 
 TEST_F(RegistryStoreTest, AccessRightsPathsAndDeletion) {
   const RegHandle w = Create(kHkeyCurrentUser, "A\\B\\C");
   Put(w, "v", RegType::String, "1");
-  RegHandle r = 0;
-  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\B\\C", RegAccess::QueryValue, r), 0);
+  const RegHandle r = Open(kHkeyCurrentUser, "A\\B\\C", RegAccess::QueryValue);
   EXPECT_EQ(store_->SetValue(r, "v", RegType::String, nullptr, 0), WinError::AccessDenied);
   EXPECT_EQ(store_->DeleteValue(r, "v"), WinError::AccessDenied);
-  RegHandle setOnly = 0;
-  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "A\\B\\C", RegAccess::SetValue, setOnly), 0);
+  const RegHandle setOnly = Open(kHkeyCurrentUser, "A\\B\\C", RegAccess::SetValue);
   EXPECT_EQ(store_->QueryValue(setOnly, "v", nullptr, nullptr, nullptr), WinError::AccessDenied);
 
   RegHandle h = 0;
@@ -237,20 +239,15 @@ TEST_F(RegistryStoreTest, ChangesByAnotherProcessAreSeenAtOnce) {
   const RegHandle k = Create(kHkeyCurrentUser, "Software\\Shared");
   Put(k, "v", RegType::String, "first");
   std::uint32_t type = 0;
-  RegHandle r = 0;
-  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, r), 0);
+  RegHandle r = Open(kHkeyCurrentUser, "Software\\Shared");
   EXPECT_EQ(Data(r, "v"), std::string("first\0", 6));
   store_->CloseKey(r);
 
   // Deleted and made anew, with another value, by the other store.
   ASSERT_EQ(other->DeleteTree(kHkeyCurrentUser, "Software\\Shared"), 0);
-  RegHandle o = 0;
-  ASSERT_EQ(other->CreateKey(kHkeyCurrentUser, "Software\\Shared", o), 0);
-  const std::string second = "second";
-  ASSERT_EQ(other->SetValue(o, "v", RegType::String, reinterpret_cast<const std::uint8_t*>(second.data()), 6),
-            0);
+  Put(Create(kHkeyCurrentUser, "Software\\Shared", other.get()), "v", RegType::String, "second", other.get());
 
-  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, r), 0);
+  r = Open(kHkeyCurrentUser, "Software\\Shared");
   EXPECT_EQ(Data(r, "v"), std::string("second\0", 7));
   std::string name;
   ASSERT_EQ(store_->EnumValue(r, 0, name, nullptr, nullptr), 0);
@@ -269,10 +266,8 @@ TEST_F(RegistryStoreTest, ChangesByAnotherProcessAreSeenAtOnce) {
   Put(w, "v", RegType::String, "short");
   std::uint32_t size = 0;
   ASSERT_EQ(store_->QueryValue(w, "v", &type, nullptr, &size), 0);
-  RegHandle ow = 0;
-  ASSERT_EQ(other->CreateKey(kHkeyCurrentUser, "Software\\Snap", ow), 0);
-  ASSERT_EQ(
-      other->SetValue(ow, "v", RegType::String, reinterpret_cast<const std::uint8_t*>("much longer"), 11), 0);
+  Put(Create(kHkeyCurrentUser, "Software\\Snap", other.get()), "v", RegType::String, "much longer",
+      other.get());
   std::vector<std::uint8_t> buf(size);
   ASSERT_EQ(store_->QueryValue(w, "v", &type, buf.data(), &size), 0);
   EXPECT_EQ(std::string(buf.begin(), buf.end()), std::string("short\0", 6));
@@ -379,11 +374,8 @@ TEST_F(RegistryStoreTest, RegFileEncodings) {
   // A REGEDIT4 file in another code page, when told so.
   auto other = OpenRegistryStore(dir_ / "cp.sqlite3");
   ASSERT_EQ(other->ImportRegText("REGEDIT4\n[HKCU\\T]\n\"v\"=\"w\xC3\xB6rld\"\n", kCodePageUtf8), 0);
-  RegHandle t = 0;
-  ASSERT_EQ(other->OpenKey(kHkeyCurrentUser, "T", RegAccess::Read, t), 0);
-  std::uint32_t size = 0;
-  ASSERT_EQ(other->QueryValue(t, "v", nullptr, nullptr, &size), 0);
-  EXPECT_EQ(size, 7u);  // "wörld" and its NUL, not "wÃ¶rld"
+  const RegHandle t = Open(kHkeyCurrentUser, "T", RegAccess::Read, other.get());
+  EXPECT_EQ(Data(t, "v", other.get()), std::string("w\xC3\xB6rld\0", 7));  // not "wÃ¶rld"
   // Text the code page lacks is refused, not replaced.
   Put(k, "Kanji", RegType::String, "\xE6\x97\xA5");
   EXPECT_EQ(store_->ExportRegText(kHkeyCurrentUser, "Software", v4, RegFileFormat::Regedit4),
@@ -398,8 +390,7 @@ TEST_F(RegistryStoreTest, RegImportAppliesDeletionsAndIsAllOrNothing) {
                                   "\"c\"=hex:01,02,\\\n  03,04\n\n[HKEY_CURRENT_USER\\Software\\Y\\Z]\n"),
             0)
       << store_->LastError();
-  RegHandle x = 0;
-  ASSERT_EQ(store_->OpenKey(kHkeyCurrentUser, "Software\\X", RegAccess::Read, x), 0);
+  const RegHandle x = Open(kHkeyCurrentUser, "Software\\X");
   EXPECT_EQ(Data(x, "c"), std::string("\1\2\3\4", 4));
   // Line breaks as Wine's registry editor writes them inside a string.
   ASSERT_EQ(store_->ImportRegText("REGEDIT4\n[HKCU\\Software\\X]\n\"w\"=\"a\\r\\nb\\\\n\"\n"), 0);
@@ -444,6 +435,18 @@ TEST_F(RegistryStoreTest, RegImportAppliesDeletionsAndIsAllOrNothing) {
   EXPECT_NE(store_->LastError().find("missing.reg"), std::string::npos);
 }
 
+// Makes a store file holding one key, then writes `bytes` over it at `offset`.
+std::string Overwritten(const std::string& path, std::streamoff offset, std::string_view bytes) {
+  RegHandle h = 0;
+  EXPECT_EQ(OpenRegistryStore(path)->CreateKey(kHkeyCurrentUser, "Software\\Kept", h), 0);
+  std::filesystem::remove(path + "-wal");
+  std::filesystem::remove(path + "-shm");
+  std::fstream f(path, std::ios::in | std::ios::out | std::ios::binary);
+  f.seekp(offset);
+  f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return path;
+}
+
 TEST_F(RegistryStoreTest, CorruptOrUnreadableStoreGivesAClearStatus) {
   RegHandle h = 0;
   // Not a database at all.
@@ -457,37 +460,15 @@ TEST_F(RegistryStoreTest, CorruptOrUnreadableStoreGivesAClearStatus) {
   EXPECT_EQ(store->ImportRegText("REGEDIT4\n[HKCU\\a]\n"), WinError::RegistryCorrupt);
 
   // A real store whose pages were overwritten.
-  const std::string damaged = dir_ / "damaged.sqlite3";
-  {
-    auto good = OpenRegistryStore(damaged);
-    ASSERT_EQ(good->CreateKey(kHkeyCurrentUser, "Software\\Kept", h), 0);
-  }
-  std::filesystem::remove(damaged + "-wal");
-  std::filesystem::remove(damaged + "-shm");
-  {
-    std::fstream f(damaged, std::ios::in | std::ios::out | std::ios::binary);
-    f.seekp(16);
-    const std::string junk(4096, '\xEE');
-    f.write(junk.data(), static_cast<std::streamsize>(junk.size()));
-  }
-  store = OpenRegistryStore(damaged);
+  store = OpenRegistryStore(Overwritten(dir_ / "damaged.sqlite3", 16, std::string(4096, '\xEE')));
   EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Kept", RegAccess::Read, h),
             WinError::RegistryCorrupt);
   EXPECT_NE(store->LastError().find("corrupt"), std::string::npos);
 
-  // A database of some other program.
-  const std::string foreign = dir_ / "foreign.sqlite3";
-  {
-    auto good = OpenRegistryStore(foreign);
-    ASSERT_EQ(good->CreateKey(kHkeyCurrentUser, "x", h), 0);
-  }
-  {
-    std::fstream f(foreign, std::ios::in | std::ios::out | std::ios::binary);
-    f.seekp(68);  // the header's application id
-    f.write("\0\0\0\1", 4);
-  }
-  store = OpenRegistryStore(foreign);
-  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "x", RegAccess::Read, h), WinError::RegistryCorrupt);
+  // A database of some other program: another application id in the header.
+  store = OpenRegistryStore(Overwritten(dir_ / "foreign.sqlite3", 68, std::string_view("\0\0\0\1", 4)));
+  EXPECT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Kept", RegAccess::Read, h),
+            WinError::RegistryCorrupt);
   EXPECT_NE(store->LastError().find("another program"), std::string::npos);
 
   // A folder where the file should be.
@@ -553,18 +534,14 @@ TEST_F(RegistryStoreTest, TwoProcessesWritingAtOnceLoseNothing) {
   ASSERT_EQ(ExitCode(b), 0);
 
   auto store = OpenRegistryStore(path);
-  RegHandle h = 0;
-  ASSERT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, h), 0);
+  const RegHandle h = Open(kHkeyCurrentUser, "Software\\Shared", RegAccess::Read, store.get());
   std::set<std::string> names;
   std::string name;
   for (std::uint32_t i = 0; store->EnumValue(h, i, name, nullptr, nullptr) == 0; ++i) names.insert(name);
   EXPECT_EQ(names.size(), 2u * kEach);
-  for (int i = 0; i < kEach; ++i) {
-    std::uint32_t v = 0, n = 4;
-    ASSERT_EQ(store->QueryValue(h, "b" + std::to_string(i), nullptr, reinterpret_cast<std::uint8_t*>(&v), &n),
-              0);
-    EXPECT_EQ(v, static_cast<std::uint32_t>(i));
-  }
+  for (int i = 0; i < kEach; ++i)
+    ASSERT_EQ(Data(h, "b" + std::to_string(i), store.get()),
+              std::string(reinterpret_cast<const char*>(&i), 4));
 }
 
 TEST_F(RegistryStoreTest, AWriterKilledMidTransactionLeavesEveryCommittedValue) {
@@ -602,14 +579,10 @@ TEST_F(RegistryStoreTest, AWriterKilledMidTransactionLeavesEveryCommittedValue) 
   close(pipeFd[0]);
 
   auto store = OpenRegistryStore(path);
-  RegHandle h = 0;
-  ASSERT_EQ(store->OpenKey(kHkeyCurrentUser, "Software\\Committed", RegAccess::Read, h), 0)
-      << store->LastError();
+  const RegHandle h = Open(kHkeyCurrentUser, "Software\\Committed", RegAccess::Read, store.get());
   EXPECT_EQ(acknowledged, kCommitted);
-  for (int i = 0; i < acknowledged; ++i) {
-    std::uint32_t size = 0;
-    EXPECT_EQ(store->QueryValue(h, "v" + std::to_string(i), nullptr, nullptr, &size), 0) << i;
-  }
+  for (int i = 0; i < acknowledged; ++i)
+    EXPECT_EQ(Data(h, "v" + std::to_string(i), store.get()), "v" + std::to_string(i) + '\0') << i;
   // The import is there whole or not at all.
   RegHandle imp = 0;
   if (store->OpenKey(kHkeyCurrentUser, "Software\\Import", RegAccess::Read, imp) == 0) {

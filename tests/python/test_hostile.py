@@ -10,56 +10,6 @@ import tessarkao as tk
 TKTOOLS = os.environ.get("TESSARKAO_TKTOOLS", "")
 
 
-class Items:
-    """A host collection: Count and Item(i), 1-based."""
-
-    def __init__(self, *items):
-        self.items = list(items)
-
-    @property
-    def Count(self):
-        return len(self.items)
-
-    def Item(self, i):
-        return self.items[i - 1]
-
-
-class Assembly:
-    """An assembly whose one child is itself, and whose parent is itself."""
-
-    Type = 1
-    Name = "Loop"
-    SystemID = 3
-
-    def Components(self, kind):
-        if kind == 2:
-            group = Items()
-            group.Shapes = Items(self)
-            return Items(group)
-        return Items()
-
-    @property
-    def Parent(self):
-        return self
-
-    @property
-    def Application(self):
-        app = Items()
-        app.ActivePage = Items()
-        app.ActivePage.Name = "Scene1"
-        return app
-
-
-def test_host_graphs_that_lead_back_end_in_28(raises_number):
-    shape = Assembly()
-    page = Items()
-    page.Shape = shape
-    view = tk.CreateObject("TessarkAO.TKTreeView")
-    view.Scene = page
-    assert raises_number(view.Refresh) == 28
-    assert raises_number(tk.CreateObject("TessarkAO.SceneUtils").GetShapePath, shape) == 28
-
-
 def test_lone_surrogates_round_trip():
     column = tk.CreateObject("TessarkAO.TKColumn")
     column.ColumnType = 3

@@ -63,23 +63,3 @@ def test_the_journal_records_the_calls_made_through_the_module():
     tk.refhost.journal_clear()
     assert tk.refhost.journal() == [] and not tk.refhost.journal_on()
 
-
-def test_a_library_builder_drives_the_reference_host():
-    app = tk.refhost.new_application()
-    root = app.ActivePage.Shape
-    builder = tk.CreateObject("TessarkAO.TKExtrudeShape")
-    builder.Height[1] = 20.0
-    tk.refhost.journal_clear()
-    tk.refhost.journal_start()
-    try:
-        shape = builder.Create(root)
-        builder.Finish()
-    finally:
-        tk.refhost.journal_stop()
-    # On the root the builder first adds a part, then the extrude inside it.
-    assert (shape.Type, shape.Name, shape.Parent.Type) == (5, builder.UserName, 3)
-    assert shape.Components(14).Item(1).Variable(55).Value == 20.0
-    calls = [(e.member, e.kind) for e in tk.refhost.journal()]
-    assert calls[0] == ("Type", tk.GET) and ("Add", tk.METHOD) in calls
-    assert tk.refhost.journal()[0].object == tk.refhost.name_of(root)
-    tk.refhost.journal_clear()

@@ -154,6 +154,11 @@ TEST(Model, SizeBoxFitsTheGeometryAndTheBoundingBoxIsPlaced) {
   EXPECT_NEAR(ToDouble(box.Get("MaxZ")) - ToDouble(box.Get("MinZ")), 6.0, 1e-9);
   std::vector<double> n = CallDoubles(ext, "GetNormal", {Variant(), Variant(), Variant()});
   EXPECT_NEAR(n[2], 1.0, 1e-12);
+  // A quarter turn about X instead: the normal follows the placement.
+  SetVar(ext, 4, 4, 1.0);
+  SetVar(ext, 4, 6, 0.0);
+  n = CallDoubles(ext, "GetNormal", {Variant(), Variant(), Variant()});
+  EXPECT_NEAR(n[1], -1.0, 1e-12);
 }
 
 TEST(Model, RemovedShapesAndDroppedScenesLeaveNoDanglingLinks) {

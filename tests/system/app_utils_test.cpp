@@ -15,6 +15,12 @@ class AppUtilsTest : public SystemTest {
  protected:
   Ref<Object> app_ = CreateObject("TessarkAO.AppUtils");
   std::string Text(std::string_view name) { return Prop(app_, name).AsString(); }
+  // A preference read as "found: value" or "missing: value" (what the
+  // caller's variable holds afterwards).
+  std::string Read(std::string_view method, std::string_view name, Variant previous = "") {
+    const CallResult c = Method(app_, method, {std::string(name), previous});
+    return (ToBoolean(c.result) ? "found: " : "missing: ") + ToString(c.args[1]);
+  }
 };
 
 TEST_F(AppUtilsTest, EmptyRegistryDefaults) {
@@ -30,12 +36,9 @@ TEST_F(AppUtilsTest, EmptyRegistryDefaults) {
   EXPECT_EQ(Text("CommonBinariesPath"), "v:\\bin.32");
   EXPECT_EQ(Dialog::ReadAddOnPreference("Anything", "fallback"), "fallback");
   EXPECT_EQ(Dialog::ReadProductMachineValue("Anything", "fallback"), "fallback");
-  auto c = Method(app_, "GetRegistryPreferenceString", {"Install", "previous"});
-  EXPECT_FALSE(ToBoolean(c.result));
-  EXPECT_EQ(c.args[1].AsString(), "");  // the failed read still writes its ""
-  c = Method(app_, "GetRegistryPreferenceLong", {"Count", 5});
-  EXPECT_FALSE(ToBoolean(c.result));
-  EXPECT_EQ(ToLong(c.args[1]), 5);
+  // A failed string read still writes its "".
+  EXPECT_EQ(Read("GetRegistryPreferenceString", "Install", "previous"), "missing: ");
+  EXPECT_EQ(Read("GetRegistryPreferenceLong", "Count", 5), "missing: 5");
 }
 
 TEST_F(AppUtilsTest, ProductNamesFollowTheRegistry) {
@@ -66,14 +69,12 @@ TEST_F(AppUtilsTest, SectionsDoNotNest) {
   EXPECT_FALSE(ToBoolean(Method(app_, "RegistryPreferenceBegin", {"AddOns"}).result));
   Import("[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\TESSARK 6.0\\Directories]\n\"Install\"=\"/opt/tessark\"\n"
          "[HKEY_CURRENT_USER\\SOFTWARE\\Tessark\\TESSARK 6.0\\AddOns]\n\"Install\"=\"wrong\"\n");
-  auto c = Method(app_, "GetRegistryPreferenceString", {"Install", ""});
-  EXPECT_TRUE(ToBoolean(c.result));
-  EXPECT_EQ(c.args[1].AsString(), "/opt/tessark") << "the first section stays in force";
+  EXPECT_EQ(Read("GetRegistryPreferenceString", "Install"), "found: /opt/tessark")
+      << "the first section stays in force";
   Method(app_, "RegistryPreferenceEnd");
   Method(app_, "RegistryPreferenceEnd");  // never fails
   EXPECT_TRUE(ToBoolean(Method(app_, "RegistryPreferenceBegin", {"AddOns"}).result));
-  c = Method(app_, "GetRegistryPreferenceString", {"Install", ""});
-  EXPECT_EQ(c.args[1].AsString(), "wrong");
+  EXPECT_EQ(Read("GetRegistryPreferenceString", "Install"), "found: wrong");
 }
 
 TEST_F(AppUtilsTest, PreferencesFallBackFromUserToMachine) {
@@ -85,30 +86,19 @@ TEST_F(AppUtilsTest, PreferencesFallBackFromUserToMachine) {
          "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessark\\VelloraSuite\\AddOns]\n\"Common\"=\"machine\"\n"
          "\"CommonCount\"=\"12\"\n");
   Method(app_, "RegistryPreferenceBegin", {"Tool"});
-  auto c = Method(app_, "GetRegistryPreferenceString", {"MachineOnly", ""});
-  EXPECT_TRUE(ToBoolean(c.result));
-  EXPECT_EQ(c.args[1].AsString(), "machine");
-  c = Method(app_, "GetRegistryPreferenceString", {"Both", ""});
-  EXPECT_EQ(c.args[1].AsString(), "user");
+  EXPECT_EQ(Read("GetRegistryPreferenceString", "MachineOnly"), "found: machine");
+  EXPECT_EQ(Read("GetRegistryPreferenceString", "Both"), "found: user");
   // A user value that is not a number gives way to the machine's number.
-  c = Method(app_, "GetRegistryPreferenceLong", {"Count", 0});
-  EXPECT_TRUE(ToBoolean(c.result));
-  EXPECT_EQ(ToLong(c.args[1]), 7);
+  EXPECT_EQ(Read("GetRegistryPreferenceLong", "Count", 0), "found: 7");
   Method(app_, "RegistryPreferenceEnd");
 
   // With no section open the key ends in a backslash and still names the product key.
-  c = Method(app_, "GetRegistryPreferenceString", {"NoSection", ""});
-  EXPECT_TRUE(ToBoolean(c.result));
-  EXPECT_EQ(c.args[1].AsString(), "top");
+  EXPECT_EQ(Read("GetRegistryPreferenceString", "NoSection"), "found: top");
 
   // The common forms read the family's key under both roots.
   Method(app_, "RegistryPreferenceBegin", {"AddOns"});
-  c = Method(app_, "GetCommonRegistryPreferenceString", {"Common", ""});
-  EXPECT_TRUE(ToBoolean(c.result));
-  EXPECT_EQ(c.args[1].AsString(), "machine");
-  c = Method(app_, "GetCommonRegistryPreferenceLong", {"CommonCount", 0});
-  EXPECT_TRUE(ToBoolean(c.result));
-  EXPECT_EQ(ToLong(c.args[1]), 12);
+  EXPECT_EQ(Read("GetCommonRegistryPreferenceString", "Common"), "found: machine");
+  EXPECT_EQ(Read("GetCommonRegistryPreferenceLong", "CommonCount", 0), "found: 12");
   EXPECT_EQ(Dialog::ReadAddOnPreference("Common", "x"), "machine");
 }
 

@@ -16,30 +16,25 @@ struct Case {
   std::function<void()> body;
 };
 
-inline std::vector<Case>& Cases() {
-  static std::vector<Case> cases;
-  return cases;
-}
-inline int& Failures() {
-  static int failures = 0;
-  return failures;
-}
+// Defined ahead of every case that registers itself, so initialised first.
+inline std::vector<Case> g_cases;
+inline int g_failures = 0;
 
 struct Register {
-  Register(const char* name, std::function<void()> body) { Cases().push_back({name, std::move(body)}); }
+  Register(const char* name, std::function<void()> body) { g_cases.push_back({name, std::move(body)}); }
 };
 
 inline void Fail(const char* file, int line, const std::string& what) {
-  ++Failures();
+  ++g_failures;
   std::printf("  check failed at %s:%d: %s\n", file, line, what.c_str());
 }
 
 // Runs every case (or those whose names contain argv[1]); returns the exit code.
 inline int RunAll(int argc, char** argv) {
   int passed = 0, failed = 0;
-  for (const Case& c : Cases()) {
+  for (const Case& c : g_cases) {
     if (argc > 1 && std::string(c.name).find(argv[1]) == std::string::npos) continue;
-    const int before = Failures();
+    const int before = g_failures;
     try {
       c.body();
     } catch (const std::exception& e) {
@@ -47,7 +42,7 @@ inline int RunAll(int argc, char** argv) {
     } catch (...) {
       Fail(__FILE__, __LINE__, "unknown exception");
     }
-    const bool ok = Failures() == before;
+    const bool ok = g_failures == before;
     std::printf("%s %s\n", ok ? "PASS" : "FAIL", c.name);
     (ok ? passed : failed)++;
   }

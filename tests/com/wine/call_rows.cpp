@@ -1,6 +1,7 @@
 // The call-behaviour rows (tests/calls/rows.inc) through the Windows
 // server's dispatch adapter, as a client calls it: names through
 // GetIDsOfNames, arguments as VARIANTs, by-reference ones as VT_BYREF.
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -39,15 +40,11 @@ std::string TextOf(const VARIANT& v) {
   switch (V_VT(&v)) {
     case VT_I4: return "L" + std::to_string(V_I4(&v));
     case VT_R8: {
-      std::string s = std::to_string(V_R8(&v));
-      while (s.back() == '0') s.pop_back();
-      if (s.back() == '.') s.pop_back();
-      return "D" + s;
+      char text[32];
+      std::snprintf(text, sizeof text, "%g", V_R8(&v));
+      return "D" + std::string(text);
     }
-    case VT_BSTR: {
-      const std::wstring w = V_BSTR(&v);
-      return "S" + std::string(w.begin(), w.end());
-    }
+    case VT_BSTR: return "S" + Win32::Narrow(V_BSTR(&v), SysStringLen(V_BSTR(&v)));
     case VT_BOOL: return V_BOOL(&v) ? "B1" : "B0";
     case VT_EMPTY: return "E";
     default: return "?" + std::to_string(V_VT(&v));
@@ -55,9 +52,7 @@ std::string TextOf(const VARIANT& v) {
 }
 
 WORD FlagsOf(const std::string& kind) {
-  if (kind == "let") return DISPATCH_PROPERTYPUT;
-  if (kind == "method") return DISPATCH_METHOD;
-  return DISPATCH_PROPERTYGET;
+  return kind == "let" ? DISPATCH_PROPERTYPUT : kind == "method" ? DISPATCH_METHOD : DISPATCH_PROPERTYGET;
 }
 
 }  // namespace

@@ -61,49 +61,51 @@ bool TextStarts(HWND h, const wchar_t* prefix) {
   return std::wcsncmp(buffer, prefix, std::wcslen(prefix)) == 0;
 }
 
-// A visible top-level window of this process with this caption and, when
-// `control` is given, a control of that identifier.
-HWND TopLevel(const std::wstring& caption, int control) {
+// The first window `match` accepts: among the top-level windows, or with a
+// parent among its controls.
+HWND FindWhere(HWND parent, const std::function<bool(HWND)>& match) {
   struct Search {
-    const std::wstring* caption;
-    int control;
+    const std::function<bool(HWND)>* match;
     HWND found;
-  } s{&caption, control, nullptr};
+  } s{&match, nullptr};
   struct Each {
     static BOOL CALLBACK Window(HWND h, LPARAM p) {
       auto& s = *reinterpret_cast<Search*>(p);
-      DWORD pid = 0;
-      GetWindowThreadProcessId(h, &pid);
-      if (pid != GetCurrentProcessId() || !IsWindowVisible(h) || TextOf(h) != *s.caption) return TRUE;
-      if (s.control && !GetDlgItem(h, s.control)) return TRUE;
+      if (!(*s.match)(h)) return TRUE;
       s.found = h;
       return FALSE;
     }
   };
-  EnumWindows(&Each::Window, reinterpret_cast<LPARAM>(&s));
+  if (parent)
+    EnumChildWindows(parent, &Each::Window, reinterpret_cast<LPARAM>(&s));
+  else
+    EnumWindows(&Each::Window, reinterpret_cast<LPARAM>(&s));
   return s.found;
+}
+
+bool ClassIs(HWND h, const wchar_t* name) {
+  wchar_t windowClass[32] = L"";
+  GetClassNameW(h, windowClass, 32);
+  return std::wcscmp(windowClass, name) == 0;
+}
+
+// A visible top-level window of this process with this caption and, when
+// `control` is given, a control of that identifier.
+HWND TopLevel(const std::wstring& caption, int control) {
+  return FindWhere(nullptr, [&](HWND h) {
+    DWORD pid = 0;
+    GetWindowThreadProcessId(h, &pid);
+    return pid == GetCurrentProcessId() && IsWindowVisible(h) && TextOf(h) == caption &&
+           (!control || GetDlgItem(h, control));
+  });
 }
 
 // The file-open dialog: a dialog window owned by `owner`, with an OK button.
 HWND OwnedBy(HWND owner) {
-  struct Search {
-    HWND owner, found;
-  } s{owner, nullptr};
-  struct Each {
-    static BOOL CALLBACK Window(HWND h, LPARAM p) {
-      auto& s = *reinterpret_cast<Search*>(p);
-      wchar_t windowClass[32] = L"";
-      GetClassNameW(h, windowClass, 32);
-      if (GetWindow(h, GW_OWNER) == s.owner && IsWindowVisible(h) && std::wcscmp(windowClass, L"#32770") == 0 &&
-          GetDlgItem(h, IDOK)) {
-        s.found = h;
-        return FALSE;
-      }
-      return TRUE;
-    }
-  };
-  EnumWindows(&Each::Window, reinterpret_cast<LPARAM>(&s));
-  return s.found;
+  return FindWhere(nullptr, [&](HWND h) {
+    return GetWindow(h, GW_OWNER) == owner && IsWindowVisible(h) && ClassIs(h, L"#32770") &&
+           GetDlgItem(h, IDOK);
+  });
 }
 
 void Click(HWND dialog, int id) { PostMessageW(GetDlgItem(dialog, id), BM_CLICK, 0, 0); }
@@ -144,17 +146,7 @@ void Capture(HWND window, const std::string& name) {
 // file-name box character by character, then its OK button.
 void ChooseFile(HWND fileDialog) {
   // The file-name box: the edit field inside its combo box.
-  struct Each {
-    static BOOL CALLBACK Control(HWND h, LPARAM found) {
-      wchar_t name[16] = L"";
-      GetClassNameW(h, name, 16);
-      if (std::wcscmp(name, L"Edit") != 0) return TRUE;
-      *reinterpret_cast<HWND*>(found) = h;
-      return FALSE;
-    }
-  };
-  HWND edit = nullptr;
-  EnumChildWindows(fileDialog, &Each::Control, reinterpret_cast<LPARAM>(&edit));
+  HWND edit = FindWhere(fileDialog, [](HWND h) { return ClassIs(h, L"Edit"); });
   CHECK(edit != nullptr);
   if (!edit) return;
   SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L""));
@@ -337,9 +329,8 @@ TEST_CASE("scene viewer: GetCLSID(707, 808) shows the page; the lists follow the
     CHECK(TextStarts(GetDlgItem(dialog, C::lblStatus), L"Active Component : "));
 
     // A larger window gives the tree and the lists the room.
-    RECT before{}, after{};
+    RECT before{}, after{}, outer{};
     GetWindowRect(tree, &before);
-    RECT outer{};
     GetWindowRect(dialog, &outer);
     SetWindowPos(dialog, nullptr, 0, 0, outer.right - outer.left + 200, outer.bottom - outer.top + 100,
                  SWP_NOMOVE | SWP_NOZORDER);
