@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "ProfilesTestSupport.hpp"
-#include "automation/Catalogue.hpp"
-#include "automation/Convert.hpp"
 #include "profiles/TKOutline.hpp"
 
 using namespace TessarkAO;

@@ -4,11 +4,6 @@
 #include <cmath>
 
 #include "ProfilesTestSupport.hpp"
-#include "automation/Catalogue.hpp"
-#include "automation/Convert.hpp"
-#include "profiles/TKInvoluteCurve.hpp"
-#include "profiles/TKProfile.hpp"
-#include "refhost/RefHost.hpp"
 
 using namespace TessarkAO;
 using namespace TessarkAO::Testing;

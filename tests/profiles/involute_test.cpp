@@ -7,9 +7,6 @@
 #include <random>
 
 #include "ProfilesTestSupport.hpp"
-#include "automation/Catalogue.hpp"
-#include "automation/Convert.hpp"
-#include "profiles/TKInvoluteCurve.hpp"
 #include "frame/Conventions.hpp"
 
 using namespace TessarkAO;

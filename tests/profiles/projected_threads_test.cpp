@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "ProfilesTestSupport.hpp"
-#include "automation/Catalogue.hpp"
 #include "profiles/TK2DProjectedThreads.hpp"
 
 using namespace TessarkAO;

@@ -1,6 +1,5 @@
 // TK2DArray: growth, re-dimensioning and copies against a plain model that
 // copies the whole table on every change, and the stated cases.
-#include <gtest/gtest.h>
 
 #include "TableTestUtil.hpp"
 

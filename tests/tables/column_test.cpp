@@ -1,7 +1,6 @@
 // TKColumn: what each type accepts, the two relations (equal and ordered
 // after), span queries against their definitions after mutations, and the
 // deliberate oddities callers rely on.
-#include <gtest/gtest.h>
 
 #include "LiteralModels.hpp"
 #include "TableTestUtil.hpp"

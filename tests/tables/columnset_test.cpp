@@ -1,6 +1,5 @@
 // TKColumnSet: the sort and the span tables against their step-by-step
 // definitions on many seeded random tables, and the cases callers rely on.
-#include <gtest/gtest.h>
 
 #include "LiteralModels.hpp"
 #include "TableTestUtil.hpp"

@@ -1,6 +1,5 @@
 // TKTreeNode: structure, keyed data and search, node identity, and the
 // lifetime of a tree (alive while any node is held, freed with the last).
-#include <gtest/gtest.h>
 
 #include "TableTestUtil.hpp"
 #include "tables/TKTreeNode.hpp"
