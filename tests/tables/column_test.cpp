@@ -42,10 +42,9 @@ TEST(Column, SetAtTakesExactlyTheTypesOfTheColumn) {
   EXPECT_EQ(d->GetAt(1).AsDouble(), 4.5);
 
   auto o = Column(TKColumnType_Object, {Variant::Nothing()});
-  EXPECT_TRUE(o->SetAt(1, Variant(d)));
-  EXPECT_TRUE(o->SetAt(1, Variant::Nothing()));
-  EXPECT_FALSE(o->SetAt(1, Variant()));
-  EXPECT_FALSE(o->SetAt(2, Variant::Nothing()));
+  EXPECT_EQ((std::array{o->SetAt(1, Variant(d)), o->SetAt(1, Variant::Nothing()), o->SetAt(1, Variant()),
+                        o->SetAt(2, Variant::Nothing())}),
+            (std::array{true, true, false, false}));
   auto s = Column(TKColumnType_String, {Variant("x")});
   EXPECT_FALSE(s->SetAt(1, Variant(1.0)));
   EXPECT_EQ(s->GetAt(1).AsString(), "x");
