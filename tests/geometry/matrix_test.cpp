@@ -207,9 +207,8 @@ TEST(Matrix, PlacementCarriesPointsAndTurnsDirections) {
     const Vec4& f = fromP->Components();
     // The clean-up of the matrix (1e-9 on each element) bounds the accuracy.
     ExpectNear3(Point(m, f.c[0], f.c[1], f.c[2]), toP->X(), toP->Y(), toP->Z(), 1e-7);
-    const Vec4 turned = Unit(Components(m.MultiplyByVector(fromV)));
     const Vec4 target = Unit(toV->Components());
-    ExpectNear3(turned, target.c[0], target.c[1], target.c[2], 1e-8);
+    ExpectNear3(Unit(Components(m.MultiplyByVector(fromV))), target.c[0], target.c[1], target.c[2], 1e-8);
     EXPECT_NEAR(m.Determinant(), 1.0, 1e-12);
   }
 }
@@ -221,8 +220,7 @@ TEST(Matrix, PlaneFramesGoOntoEachOther) {
     auto p1 = rnd.Vector(), p2 = rnd.Vector();
     TKMatrix4d xy, frames, placed;
     xy.SetRotationFromAxisAndPlaneToXYPlane(a1, t1);
-    const Vec4 ax = Unit(Components(xy.MultiplyByVector(a1)));
-    ExpectNear3(ax, 1, 0, 0);
+    ExpectNear3(Unit(Components(xy.MultiplyByVector(a1))), 1, 0, 0);
     const Vec4 tx = Components(xy.MultiplyByVector(t1));
     EXPECT_NEAR(tx.c[2], 0.0, 1e-9);  // the tangent lies in the XY plane
     EXPECT_GT(tx.c[1], 0.0);
