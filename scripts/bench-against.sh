@@ -11,13 +11,16 @@
 #
 # REV's tree is exported to build/bench-base/<rev>/src and built there with
 # the release preset; the working tree's program comes from build/release.
+# With BENCH_SOURCE=worktree the baseline is built from the working tree's
+# benchmark source (bench/BENCH.cpp) over REV's library, so that a changed
+# benchmark still measures both libraries the same way.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 rev=${1:?usage: scripts/bench-against.sh REV [BENCH] [ROUNDS]}
 bench=${2:-bench_dispatch}
 rounds=${3:-5}
 sha=$(git rev-parse --short "$rev^{commit}")
-base=build/bench-base/$sha
+base=build/bench-base/$sha${BENCH_SOURCE:+-$BENCH_SOURCE}
 
 if [ ! -x "$base/build/bin/$bench" ]; then
   rm -rf "$base/src" && mkdir -p "$base/src"
@@ -25,6 +28,13 @@ if [ ! -x "$base/build/bin/$bench" ]; then
   cmake -S "$base/src" -B "$base/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTK_BUILD_BENCH=ON \
     -DTK_BUILD_TESTS=OFF -DTK_BUILD_PYTHON=OFF >"$base/configure.log" 2>&1 ||
     { cat "$base/configure.log" >&2; exit 1; }
+  cmake --build "$base/build" --target "$bench" -j2 >"$base/build.log" 2>&1 ||
+    { tail -n 40 "$base/build.log" >&2; exit 1; }
+fi
+if [ "${BENCH_SOURCE:-}" = worktree ]; then
+  for f in "bench/$bench.cpp" bench/*.hpp; do
+    cmp -s "$f" "$base/src/$f" || cp "$f" "$base/src/$f"
+  done
   cmake --build "$base/build" --target "$bench" -j2 >"$base/build.log" 2>&1 ||
     { tail -n 40 "$base/build.log" >&2; exit 1; }
 fi
