@@ -160,7 +160,6 @@ TEST(ColumnSetSort, ArgumentErrors) {
   auto set = LettersAndNumbers({{"b", 1}, {"a", 2}, {"a", 3}});
   EXPECT_EQ(ErrorOf([&] { set->SortWithSpanContext(Ref<TK2DArray>(), 1, List({1})); }), 91);
   EXPECT_EQ(ErrorOf([&] { set->SortWithSpanContext(MakeRef<TK2DArray>(), 1, List({1})); }), 9);
-  EXPECT_EQ(ErrorOf([&] { set->Sort(1, List({})); }), 0);
   // A context value that is not a Long raises 6.
   EXPECT_EQ(ErrorOf([&] { set->SortWithSpanContext(Spans({{1, 3e10}}), 1, List({1})); }), 6);
   // Text that is not a number in the column order: 13.
