@@ -30,8 +30,7 @@ TEST(Column, SetAtTakesExactlyTheTypesOfTheColumn) {
   EXPECT_FALSE(d->SetAt(1, Variant("3.5")));
   EXPECT_EQ(d->GetAt(1).AsDouble(), 0.0);
   EXPECT_TRUE(d->SetAt(1, Variant(std::int16_t{3})));
-  EXPECT_EQ(d->GetAt(1).Type(), VarType::Double);
-  EXPECT_EQ(d->GetAt(1).AsDouble(), 3.0);
+  EXPECT_TRUE(SameValue(d->GetAt(1), Variant(3.0)));  // stored as a Double
   for (const Variant& v : {Variant(2), Variant(2.5f), Variant(std::uint8_t{7}), Variant(DecimalFromDouble(1.25))})
     EXPECT_TRUE(d->SetAt(1, v)) << v.TypeName();
   for (const Variant& v : {Variant(Currency{10000}), Variant(true), Variant(Date{1.0}), Variant(), Variant::Null(),
