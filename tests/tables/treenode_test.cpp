@@ -31,13 +31,10 @@ TEST(TreeNode, StructureAndIdentity) {
   EXPECT_EQ((std::array{root->Nodes(), root->Nodes(true), a->Nodes(true), b->Nodes(true)}),
             (std::array{2, 5, 3, 0}));
   EXPECT_EQ((std::array{b->Index(), root->Index(), a->Node(3)->Index()}), (std::array{2, 0, 3}));
-  EXPECT_TRUE(root->Parent() == nullptr);
-  EXPECT_TRUE(root->Node(0) == nullptr);
-  EXPECT_TRUE(root->Node(3) == nullptr);
   // The same node is the same object, however it is reached.
-  EXPECT_EQ(root->Node(2).get(), b.get());
-  EXPECT_EQ(a->Node(3)->Parent().get(), a.get());
-  EXPECT_EQ(a->Parent().get(), root.get());
+  EXPECT_EQ((std::array{root->Parent().get(), root->Node(0).get(), root->Node(3).get(), root->Node(2).get(),
+                        a->Node(3)->Parent().get(), a->Parent().get()}),
+            (std::array<TKTreeNode*, 6>{nullptr, nullptr, nullptr, b.get(), a.get(), root.get()}));
 }
 
 TEST(TreeNode, DataAndSearch) {
@@ -56,14 +53,13 @@ TEST(TreeNode, DataAndSearch) {
   EXPECT_FALSE(kids[3]->DataExists(9));
   EXPECT_EQ(kids[3]->GetData(7).AsObject().get(), marker.get());
   EXPECT_TRUE(root->GetNodeWithData(8, Variant("Y")) == nullptr);  // texts compare with their case
-  // The variant types must be the same: a 16-bit 3 is not a 32-bit 3.
-  EXPECT_EQ(root->GetNodeWithData(7, Variant(3)).get(), kids[1].get());
-  EXPECT_EQ(root->GetNodeWithData(7, Variant(3), 3).get(), kids[2].get());
-  EXPECT_EQ(root->GetNodeWithData(7, Variant(std::int16_t{3})).get(), kids[0].get());
-  EXPECT_TRUE(root->GetNodeWithData(7, Variant(3.0)) == nullptr);
-  EXPECT_EQ(root->GetNodeWithData(7, Variant(marker)).get(), kids[3].get());
-  EXPECT_TRUE(root->GetNodeWithData(7, Variant(MakeRef<TKColumn>())) == nullptr);  // identity, not content
-  EXPECT_TRUE(root->GetNodeWithData(7, Variant(3), 9) == nullptr);
+  // The variant types must be the same: a 16-bit 3 is not a 32-bit 3; objects compare by identity.
+  auto find = [&](Variant v, std::int32_t start) { return root->GetNodeWithData(7, v, start).get(); };
+  EXPECT_EQ((std::array{find(Variant(3), 1), find(Variant(3), 3), find(Variant(std::int16_t{3}), 1),
+                        find(Variant(3.0), 1), find(Variant(marker), 1),
+                        find(Variant(MakeRef<TKColumn>()), 1), find(Variant(3), 9)}),
+            (std::array<TKTreeNode*, 7>{kids[1].get(), kids[2].get(), kids[0].get(), nullptr, kids[3].get(),
+                                        nullptr, nullptr}));
   EXPECT_EQ(ErrorOf([&] { root->GetNodeWithData(7, Variant(3), 0); }), 9);
   EXPECT_EQ(root->NodesWithData(7, Variant(3)), 2);
   kids[1]->AddNode()->SetData(7, Variant(3));
