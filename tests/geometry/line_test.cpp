@@ -40,8 +40,7 @@ TEST(Line, IntersectionsThroughTheMemberTable) {
   EXPECT_EQ(args[2].AsString(), "kept");
   b->SetDefinitionFromTwoPoints(0, 2, 2, 0);  // y = -x + 2
   EXPECT_TRUE(ToBoolean(a->Invoke("GetIntersectionPoint", CallKind::Method, args)));
-  EXPECT_EQ(args[1].AsDouble(), 1.0);
-  EXPECT_EQ(args[2].AsDouble(), 1.0);
+  EXPECT_EQ(std::make_pair(args[1].AsDouble(), args[2].AsDouble()), std::make_pair(1.0, 1.0));
   // Two vertical lines never meet, whatever their sentinel slopes.
   a->LetSlope(1e9);
   b->LetSlope(2e9);

@@ -150,12 +150,10 @@ TEST(Matrix, EqualityAndLateBoundCopies) {
   auto m = MakeRef<TKMatrix4d>();
   Ref<Object> mo = m;
   Call(mo, "CopyFromIUnknown", {Ref<Object>(MakeRef<Foreign>(source, std::set<std::string>{"AcquireMatrix"}))});
-  EXPECT_EQ(m->Elements().e[0][0], 1.0);
-  EXPECT_EQ(m->Epsilon(), 0.25);
+  EXPECT_EQ(std::make_pair(m->Elements().e[0][0], m->Epsilon()), std::make_pair(1.0, 0.25));
   m->LetEpsilon(1e-9);
   Call(mo, "Copy", {Ref<Object>(MakeRef<Foreign>(source, std::set<std::string>{"Epsilon"}))});
-  EXPECT_EQ(m->Elements().e[0][0], 2.0);
-  EXPECT_EQ(m->Epsilon(), 1e-9);
+  EXPECT_EQ(std::make_pair(m->Elements().e[0][0], m->Epsilon()), std::make_pair(2.0, 1e-9));
   for (Variant junk :
        {Variant::Nothing(), Variant(3.0), Variant("text"), Variant(), Variant(MakeRef<TK2DLine>())})
     EXPECT_EQ(ErrorOf([&] { Call(mo, "CopyFromIUnknown", {junk}); }), 0) << junk.TypeName();

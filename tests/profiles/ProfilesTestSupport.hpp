@@ -26,6 +26,13 @@ inline std::pair<double, double> Sample(const TKInvoluteCurve& c, std::int32_t i
   return p;
 }
 
+// GetFitPoint / GetControlPoint through the dispatcher, outputs read back.
+inline std::pair<double, double> GetPoint(const Variant& curve, const char* member, std::int32_t index) {
+  std::vector<Variant> args = {Variant(index), Variant(), Variant()};
+  curve.Invoke(member, CallKind::Method, args);
+  return {ToDouble(args[1]), ToDouble(args[2])};
+}
+
 // The named properties of an object, read late-bound, as numbers.
 inline std::vector<double> Numbers(const Variant& object, std::initializer_list<const char*> names) {
   std::vector<double> out;

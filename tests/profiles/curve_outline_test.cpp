@@ -7,17 +7,6 @@
 using namespace TessarkAO;
 using namespace TessarkAO::Testing;
 
-namespace {
-
-// GetFitPoint / GetControlPoint through the dispatcher, outputs read back.
-std::pair<double, double> GetPoint(const Variant& curve, const char* member, std::int32_t index) {
-  std::vector<Variant> args = {Variant(index), Variant(), Variant()};
-  curve.Invoke(member, CallKind::Method, args);
-  return {ToDouble(args[1]), ToDouble(args[2])};
-}
-
-}  // namespace
-
 TEST(Curve, NewCurveIsZeroAndEveryPropertyKeepsItsOwnValue) {
   Variant curve(CreateObject("TessarkAO.TKCurve"));
   std::vector<std::string> properties;

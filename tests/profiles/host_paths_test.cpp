@@ -114,11 +114,8 @@ TEST(HostPaths, DrawInvoluteReversesTheFitPointsButKeepsTheEndPoint) {
   Ref<TKCurve> spline = profile->GetOutline(1)->GetCurve(1);
   EXPECT_EQ(std::make_pair(spline->GetX(), spline->GetY()), Sample(*involute, 5));
   ASSERT_EQ(spline->GetBSplineFitPoints(), 5);
-  double x = 0, y = 0;
-  for (std::int32_t i = 1; i <= 5; ++i) {
-    spline->GetFitPoint(i, x, y);
-    EXPECT_EQ(std::make_pair(x, y), Sample(*involute, 6 - i)) << "fit point " << i;
-  }
+  for (std::int32_t i = 1; i <= 5; ++i)
+    EXPECT_EQ(GetPoint(spline, "GetFitPoint", i), Sample(*involute, 6 - i)) << "fit point " << i;
 
   // Points changed since sampling: the missing row raises 9 before any host call.
   involute->LetPoints(6);

@@ -41,11 +41,8 @@ TEST(Profile, ShiftMovesPointsAndCentresOnly) {
   EXPECT_EQ(Numbers(o->GetCurve(5), {"X", "Y", "CenterY", "Tan1X"}),
             (std::vector<double>{dx, 5 + dy, dy, -1}));
   EXPECT_EQ(Numbers(o->GetCurve(6), {"CenterX", "XPtOnCurve"}), (std::vector<double>{5 + dx, 2}));
-  double x = 0, y = 0;
-  spline->GetControlPoint(2, x, y);
-  EXPECT_EQ(std::make_pair(x, y), std::make_pair(-1 + dx, 3 + dy));
-  spline->GetFitPoint(1, x, y);
-  EXPECT_EQ(std::make_pair(x, y), std::make_pair(1 + dx, 1 + dy));
+  EXPECT_EQ(GetPoint(spline, "GetControlPoint", 2), std::make_pair(-1 + dx, 3 + dy));
+  EXPECT_EQ(GetPoint(spline, "GetFitPoint", 1), std::make_pair(1 + dx, 1 + dy));
   EXPECT_EQ(spline->GetKnot(4), 0.5);
   profile->ShiftProfileData(0, 1.7e308);
   EXPECT_EQ(ErrorOf([&] { profile->ShiftProfileData(0, 1.7e308); }), Err::Overflow);
@@ -64,9 +61,7 @@ TEST(Profile, MirrorNegatesOneAxisAndAlwaysTheHFactor) {
     EXPECT_EQ(Numbers(o->GetCurve(5), {"Tan1X", "Tan2Y"}), (std::vector<double>{-1 * sx, 6 * sy}));
     EXPECT_EQ(Numbers(o->GetCurve(7), {"CenterX", "YPtOnCurve", "MinorHeight"}),
               (std::vector<double>{4 * sx, 6 * sy, 0.75}));
-    double x = 0, y = 0;
-    o->GetCurve(8)->GetControlPoint(2, x, y);
-    EXPECT_EQ(std::make_pair(x, y), std::make_pair(-1 * sx, 3 * sy));
+    EXPECT_EQ(GetPoint(o->GetCurve(8), "GetControlPoint", 2), std::make_pair(-1 * sx, 3 * sy));
   }
 }
 
