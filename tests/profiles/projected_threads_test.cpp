@@ -39,6 +39,5 @@ TEST(ProjectedThreads, EveryQueryIsFalseAndEveryOutputUntouched) {
   EXPECT_TRUE(journal.empty());  // the shape is never examined
 
   EXPECT_EQ(threads.Get("Callout").AsString(), "");
-  EXPECT_EQ(threads.Get("ProjectionFlags").AsLong(), 0);
-  EXPECT_EQ(threads.Get("HoleInformationFlags").AsLong(), 0);
+  EXPECT_EQ(Numbers(threads, {"ProjectionFlags", "HoleInformationFlags"}), (std::vector<double>{0, 0}));
 }

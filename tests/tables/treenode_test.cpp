@@ -63,8 +63,8 @@ TEST(TreeNode, DataAndSearch) {
   EXPECT_EQ(ErrorOf([&] { root->GetNodeWithData(7, Variant(3), 0); }), 9);
   EXPECT_EQ(root->NodesWithData(7, Variant(3)), 2);
   kids[1]->AddNode()->SetData(7, Variant(3));
-  EXPECT_EQ(root->NodesWithData(7, Variant(3)), 2);
-  EXPECT_EQ(root->NodesWithData(7, Variant(3), true), 3);
+  EXPECT_EQ(std::make_pair(root->NodesWithData(7, Variant(3)), root->NodesWithData(7, Variant(3), true)),
+            std::make_pair(2, 3));
   // Arrays do not compare; Null never equals.
   kids[0]->SetData(1, Variant(SafeArray::Vector(VarType::Long, 0, 1)));
   EXPECT_EQ(ErrorOf([&] { root->GetNodeWithData(1, Variant(SafeArray::Vector(VarType::Long, 0, 1))); }), 13);
