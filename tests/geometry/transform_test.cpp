@@ -12,10 +12,8 @@ namespace {
 // 3 the position.
 Mat4 Placement(const TKTransform& t) {
   Mat4 m = MatrixMath::Identity();
-  for (int i = 0; i < 3; ++i) {
-    const Vec4& a = t.AxisVector(i + 1)->Components();
-    for (int j = 0; j < 3; ++j) m.e[i][j] = a.c[j];
-  }
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) m.e[i][j] = t.AxisVector(i + 1)->Components().c[j];
   t.GetPosition(m.e[3][0], m.e[3][1], m.e[3][2]);
   return m;
 }

@@ -80,8 +80,7 @@ TEST(Column, FindComparesWithinTheTolerance) {
   EXPECT_EQ(d->Find(Variant(1.0 + 5e-11)), 1);
   EXPECT_EQ(d->Find(Variant("1.00000000012"), 3), 3);  // text converts
   auto s = Column(TKColumnType_String, {Variant("Abc"), Variant("abc"), Variant(" abc"), Variant("b")});
-  EXPECT_EQ(s->Find(Variant("ABC "), 2), 2);
-  EXPECT_EQ(s->Find(Variant("abc"), 3), 3);
+  EXPECT_EQ(std::make_pair(s->Find(Variant("ABC "), 2), s->Find(Variant("abc"), 3)), std::make_pair(2, 3));
   auto a = MakeRef<TKColumn>(), b = MakeRef<TKColumn>();
   EXPECT_EQ(Column(TKColumnType_Object, {Variant(a), Variant(a), Variant(b)})->Find(Variant(b)), 3);
 }
