@@ -57,9 +57,7 @@ inline Ref<TKMatrix4d> Mat(const Mat4& m) {
   return r;
 }
 
-inline Vec4 Components(const Ref<Object>& v) {
-  return RefCast<TKVector4d>(v)->Components();
-}
+inline Vec4 Components(const Ref<Object>& v) { return RefCast<TKVector4d>(v)->Components(); }
 
 // The four components, to compare at once.
 using Xyzw = std::array<double, 4>;

@@ -149,7 +149,8 @@ TEST(Matrix, EqualityAndLateBoundCopies) {
   source->LetEpsilon(0.25);
   auto m = MakeRef<TKMatrix4d>();
   Ref<Object> mo = m;
-  Call(mo, "CopyFromIUnknown", {Ref<Object>(MakeRef<Foreign>(source, std::set<std::string>{"AcquireMatrix"}))});
+  Call(mo, "CopyFromIUnknown",
+       {Ref<Object>(MakeRef<Foreign>(source, std::set<std::string>{"AcquireMatrix"}))});
   EXPECT_EQ(std::make_pair(m->Elements().e[0][0], m->Epsilon()), std::make_pair(1.0, 0.25));
   m->LetEpsilon(1e-9);
   Call(mo, "Copy", {Ref<Object>(MakeRef<Foreign>(source, std::set<std::string>{"Epsilon"}))});

@@ -64,8 +64,7 @@ TEST(Outline, CurveListAndTheOneSidedIndexTest) {
   EXPECT_EQ(outline.Call("GetCurve", 2).AsObject(), second.AsObject());
   // Past the end is Nothing; 0 and below raise 9.
   EXPECT_TRUE(outline.Call("GetCurve", 3).IsNothing());
-  for (int i : {0, -5})
-    EXPECT_EQ(ErrorOf([&] { outline.Call("GetCurve", i); }), Err::SubscriptOutOfRange);
+  for (int i : {0, -5}) EXPECT_EQ(ErrorOf([&] { outline.Call("GetCurve", i); }), Err::SubscriptOutOfRange);
   // Curves handed out are the outline's own.
   first.Let("X", 10.0);
   EXPECT_EQ(ToDouble(outline.Call("GetCurve", 1).Get("X")), 10.0);

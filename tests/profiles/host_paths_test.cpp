@@ -50,9 +50,6 @@ TEST(HostPaths, DeparameterizeFixesOnlyTheChosenAxis) {
   Scene scene;
   ProfileWithEveryKind()->SetProfileData(ToObject(scene.paths));
   const Variant path = scene.paths.Call("Item", 1);
-  auto drive = [&](std::int32_t curve, std::int32_t n) {
-    path.Get("Variable", curve, n).Let("Expression", "2 + 3");
-  };
   auto expression = [&](std::int32_t curve, std::int32_t n) {
     return ToString(path.Get("Variable", curve, n).Get("Expression"));
   };
@@ -64,7 +61,7 @@ TEST(HostPaths, DeparameterizeFixesOnlyTheChosenAxis) {
   };
   const Row rows[] = {{0, 1, false, false}, {0, 2, true, false}, {5, 3, false, false},
                       {5, 4, true, false},  {5, 9, true, true},  {2, 3, true, true}};
-  for (const Row& r : rows) drive(r.curve, r.n);
+  for (const Row& r : rows) path.Get("Variable", r.curve, r.n).Let("Expression", "2 + 3");
   Variant profile(CreateObject("TessarkAO.TKProfile"));
   profile.Call("DeparameterizeProfile", scene.paths, TKDeparameterizeXAxis);
   for (const Row& r : rows) EXPECT_EQ(expression(r.curve, r.n), r.afterX ? "2 + 3" : "") << r.curve << r.n;

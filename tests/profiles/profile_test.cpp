@@ -90,8 +90,7 @@ TEST(Profile, CopyAppendsOutlinesAndPutsEccentricityIntoEndTrim) {
   source->CopyProfile(source);  // the count is taken once: the profile doubles
   EXPECT_EQ(source->NumberOfOutlines(), 4);
   EXPECT_EQ(ErrorOf([&] { target->CopyProfile(Ref<TKProfile>()); }), Err::ObjectNotSet);
-  EXPECT_EQ(ErrorOf([&] {
-              Variant(Ref<Object>(target)).Call("CopyProfile", CreateObject("TessarkAO.TKOutline"));
-            }),
-            Err::TypeMismatch);
+  EXPECT_EQ(
+      ErrorOf([&] { Variant(Ref<Object>(target)).Call("CopyProfile", CreateObject("TessarkAO.TKOutline")); }),
+      Err::TypeMismatch);
 }

@@ -185,8 +185,7 @@ TEST(ColumnSetSpans, MatchTheirDefinitionsOnRandomTables) {
     ASSERT_EQ(fast, model) << seed;
     // Several columns: the first column's spans refined by each further one.
     Ref<TK2DArray> chained = Literal::SpanInformation(*set, 1);
-    chained = Literal::SpanInformationWithContext(*set, 2, *chained);
-    chained = Literal::SpanInformationWithContext(*set, 3, *chained);
+    for (std::int32_t c = 2; c <= 3; ++c) chained = Literal::SpanInformationWithContext(*set, c, *chained);
     ASSERT_EQ(RowsOf(*set->GetSpanInformationForColumns(List({1, 2, 3}))), RowsOf(*chained)) << seed;
   }
 }
