@@ -19,9 +19,8 @@ Mat4 Diagonal(double d) {
 }
 
 void ExpectNear3(const Vec4& v, double x, double y, double z, double tolerance = 1e-9) {
-  EXPECT_NEAR(v.c[0], x, tolerance);
-  EXPECT_NEAR(v.c[1], y, tolerance);
-  EXPECT_NEAR(v.c[2], z, tolerance);
+  const double expected[] = {x, y, z};
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(v.c[i], expected[i], tolerance) << "component " << i;
 }
 
 Vec4 Unit(const Vec4& v) {

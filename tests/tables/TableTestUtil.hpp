@@ -26,8 +26,7 @@ inline Variant Invoke(const Ref<Object>& o, std::string_view name, CallKind kind
 }
 
 inline ParamArray List(const std::vector<std::int32_t>& numbers) {
-  ParamArray p;
-  p.items = SafeArray::Vector(VarType::Variant, 0, static_cast<std::int32_t>(numbers.size()) - 1);
+  ParamArray p{SafeArray::Vector(VarType::Variant, 0, static_cast<std::int32_t>(numbers.size()) - 1)};
   for (std::size_t i = 0; i < numbers.size(); ++i) p.items.Data()[i] = Variant(numbers[i]);
   return p;
 }
