@@ -52,8 +52,7 @@ TEST(Matrix, ConstructorsAndTheirComposition) {
   a.SetRotation(3, 90, true);
   b.SetRotation(3, 90, false);
   b.SetTranslation(5, 0, 0, true);
-  ExpectNear3(Point(a, 1, 0, 0), 0, 6, 0, 0);
-  ExpectNear3(Point(b, 1, 0, 0), 0, 6, 0, 0);
+  for (const TKMatrix4d* t : {&a, &b}) ExpectNear3(Point(*t, 1, 0, 0), 0, 6, 0, 0);
   a.SetScaling(2, 2, 2, true);
   ExpectNear3(Point(a, 1, 0, 0), 0, 12, 0, 0);
   a.SetScaling(2, 2, 2, false);  // replaces everything, translation included

@@ -103,7 +103,7 @@ TEST(Involute, TableAccessNeedsASampledRow) {
   std::vector<Variant> args = {Variant(0), Variant::ByRef(x), Variant::ByRef(y)};
   EXPECT_EQ(ErrorOf([&] { curve.Invoke("GetCalculatedPointFromIndex", CallKind::Method, args); }),
             Err::SubscriptOutOfRange);
-  EXPECT_EQ(x.AsDouble(), 7.0);
+  EXPECT_EQ(std::make_pair(x.AsDouble(), y.AsDouble()), std::make_pair(7.0, 8.0));
   args[0] = Variant(3);
   curve.Invoke("GetCalculatedPointFromIndex", CallKind::Method, args);
   EXPECT_EQ(std::make_pair(x.AsDouble(), y.AsDouble()), Point(*c, 1.0));
