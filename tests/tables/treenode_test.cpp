@@ -25,8 +25,7 @@ class Canary final : public Dispatch<Canary> {
 
 TEST(TreeNode, StructureAndIdentity) {
   auto root = MakeRef<TKTreeNode>();
-  Ref<TKTreeNode> a = root->AddNode();
-  Ref<TKTreeNode> b = root->AddNode();
+  Ref<TKTreeNode> a = root->AddNode(), b = root->AddNode();
   for (int i = 0; i < 3; ++i) a->AddNode();
   EXPECT_EQ((std::array{root->Nodes(), root->Nodes(true), a->Nodes(true), b->Nodes(true)}),
             (std::array{2, 5, 3, 0}));
@@ -43,8 +42,7 @@ TEST(TreeNode, DataAndSearch) {
   for (int i = 0; i < 4; ++i) kids.push_back(root->AddNode());
   auto marker = MakeRef<TKColumn>();
   EXPECT_TRUE(kids[0]->SetData(7, Variant(std::int16_t{3})));
-  kids[1]->SetData(7, Variant(3));
-  kids[2]->SetData(7, Variant(3));
+  for (std::size_t i : {1, 2}) kids[i]->SetData(7, Variant(3));
   kids[3]->SetData(7, Variant(marker));
   kids[3]->SetData(8, Variant("x"));
   EXPECT_TRUE(kids[3]->SetData(8, Variant("y")));  // replaces
