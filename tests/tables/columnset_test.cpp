@@ -12,8 +12,7 @@ namespace {
 Ref<TKColumnSet> LettersAndNumbers(const std::vector<std::pair<std::string, double>>& rows) {
   auto set = MakeRef<TKColumnSet>();
   set->LetNumberOfRows(static_cast<std::int32_t>(rows.size()));
-  Ref<TKColumn> letters = set->AddColumn(TKColumnType_String);
-  Ref<TKColumn> numbers = set->AddColumn(TKColumnType_Double);
+  Ref<TKColumn> letters = set->AddColumn(TKColumnType_String), numbers = set->AddColumn(TKColumnType_Double);
   for (std::size_t i = 0; i < rows.size(); ++i) {
     letters->SetAt(static_cast<std::int32_t>(i + 1), Variant(rows[i].first));
     numbers->SetAt(static_cast<std::int32_t>(i + 1), Variant(rows[i].second));
@@ -108,8 +107,7 @@ TEST(ColumnSetSort, DescendingTiesAndResizedColumnsStepByStep) {
     const auto rows = 2 + static_cast<std::int32_t>(rng() % 9);
     auto fast = MakeRef<TKColumnSet>();
     fast->LetNumberOfRows(rows);
-    Ref<TKColumn> key = fast->AddColumn(TKColumnType_Double);
-    Ref<TKColumn> id = fast->AddColumn(TKColumnType_Double);
+    Ref<TKColumn> key = fast->AddColumn(TKColumnType_Double), id = fast->AddColumn(TKColumnType_Double);
     for (std::int32_t r = 1; r <= rows; ++r) {
       key->SetAt(r, Variant(static_cast<double>(rng() % 2)));
       id->SetAt(r, Variant(static_cast<double>(r)));
