@@ -48,15 +48,17 @@ struct State {
   PyTypeObject* refType = nullptr;
   PyObject* decimalType = nullptr;      // decimal.Decimal
   PyObject* typedClasses = nullptr;     // dict: wrapper class -> VarType code
-  // The numeric typed values: int and float subclasses (see RegisterNumber).
-  PyTypeObject* integerType = nullptr;
-  PyTypeObject* longType = nullptr;
-  PyTypeObject* byteType = nullptr;
-  PyTypeObject* singleType = nullptr;
-  PyTypeObject* doubleType = nullptr;
-  PyTypeObject* currencyType = nullptr;
+  // The numeric typed values, int and float subclasses, by their variant
+  // type (filled by RegisterNumber).
+  std::vector<std::pair<VarType, PyTypeObject*>> numbers;
 };
 State g;
+
+PyTypeObject* NumberClass(VarType type) {
+  for (const auto& [t, cls] : g.numbers)
+    if (t == type) return cls;
+  return nullptr;
+}
 
 // ----- 2. Date, Currency, Decimal -------------------------------------------------
 
@@ -253,12 +255,10 @@ py::object MakeNumber(PyTypeObject* cls, const Variant& v) {
 // other subclass (IntEnum constants, other libraries' numbers) is a plain
 // number.
 Variant NumberSubclassToVariant(PyObject* o) {
-  if (PyObject_TypeCheck(o, g.currencyType)) return Variant(Currency{reinterpret_cast<CurrencyObject*>(o)->scaled});
+  if (PyObject_TypeCheck(o, NumberClass(VarType::Currency)))
+    return Variant(Currency{reinterpret_cast<CurrencyObject*>(o)->scaled});
   const Variant plain = PyLong_Check(o) ? IntToVariant(o) : Variant(PyFloat_AsDouble(o));
-  const std::pair<PyTypeObject*, VarType> typed[] = {
-      {g.integerType, VarType::Integer}, {g.longType, VarType::Long},     {g.byteType, VarType::Byte},
-      {g.singleType, VarType::Single},   {g.doubleType, VarType::Double}};
-  for (const auto& [cls, type] : typed)
+  for (const auto& [type, cls] : g.numbers)
     if (PyObject_TypeCheck(o, cls)) return ChangeType(plain, type);
   return plain;
 }
@@ -464,7 +464,7 @@ PyObject* CurrencyNewArgs(PyObject* self, PyObject*) {
 }
 
 template <VarType T>
-PyTypeObject* RegisterNumber(py::module_& m, const char* name, const char* doc) {
+void RegisterNumber(py::module_& m, const char* name, const char* doc) {
   static PyGetSetDef getset[] = {
       {"value", NumberValue, nullptr,
        "The value as a plain Python number (decimal.Decimal, exact, for a Currency).", nullptr},
@@ -491,7 +491,7 @@ PyTypeObject* RegisterNumber(py::module_& m, const char* name, const char* doc) 
   if (!cls) throw py::error_already_set();
   m.attr(name) = py::reinterpret_steal<py::object>(cls);
   PyObject_SetItem(g.typedClasses, cls, py::int_(static_cast<int>(T)).ptr());
-  return reinterpret_cast<PyTypeObject*>(cls);
+  g.numbers.emplace_back(T, reinterpret_cast<PyTypeObject*>(cls));
 }
 
 }  // namespace
@@ -591,12 +591,12 @@ py::object FromVariant(const Variant& value) {
     case Variant::kError:
       if (v.IsMissing()) return py::reinterpret_borrow<py::object>(g.missing);
       return py::cast(RawVariant{v});
-    case Variant::kInteger: return MakeNumber(g.integerType, v);
-    case Variant::kSingle: return MakeNumber(g.singleType, v);
-    case Variant::kCurrency: return MakeNumber(g.currencyType, v);
+    case Variant::kInteger: return MakeNumber(NumberClass(VarType::Integer), v);
+    case Variant::kSingle: return MakeNumber(NumberClass(VarType::Single), v);
+    case Variant::kCurrency: return MakeNumber(NumberClass(VarType::Currency), v);
     case Variant::kDate: return MakeTyped<VarType::Date>(v);
     case Variant::kDecimal: return MakeTyped<VarType::Decimal>(v);
-    case Variant::kByte: return MakeNumber(g.byteType, v);
+    case Variant::kByte: return MakeNumber(NumberClass(VarType::Byte), v);
     default: return py::reinterpret_borrow<py::object>(g.empty);
   }
 }
@@ -716,13 +716,14 @@ void RegisterValues(py::module_& m) {
       });
   g.typedBase = reinterpret_cast<PyTypeObject*>(base.ptr());
 
-  g.integerType = RegisterNumber<VarType::Integer>(m, "Integer", "A 16-bit signed Integer (converted as CInt does).");
-  g.longType = RegisterNumber<VarType::Long>(m, "Long", "A 32-bit signed Long.");
-  g.singleType = RegisterNumber<VarType::Single>(m, "Single", "An IEEE single-precision Single.");
-  g.doubleType = RegisterNumber<VarType::Double>(m, "Double", "An IEEE double-precision Double.");
-  g.currencyType = RegisterNumber<VarType::Currency>(
-      m, "Currency", "A Currency: 64-bit fixed point with 4 decimals; the float is its nearest double.");
-  g.byteType = RegisterNumber<VarType::Byte>(m, "Byte", "An unsigned 8-bit Byte.");
+  g.numbers.clear();
+  RegisterNumber<VarType::Integer>(m, "Integer", "A 16-bit signed Integer (converted as CInt does).");
+  RegisterNumber<VarType::Long>(m, "Long", "A 32-bit signed Long.");
+  RegisterNumber<VarType::Single>(m, "Single", "An IEEE single-precision Single.");
+  RegisterNumber<VarType::Double>(m, "Double", "An IEEE double-precision Double.");
+  RegisterNumber<VarType::Currency>(m, "Currency",
+                                    "A Currency: 64-bit fixed point with 4 decimals; the float is its nearest double.");
+  RegisterNumber<VarType::Byte>(m, "Byte", "An unsigned 8-bit Byte.");
   RegisterTyped<VarType::Date>(m, "Date",
                                       "A Date: days since 1899-12-30 with the time as the fraction; "
                                       "built from a serial number, a datetime or a date text.");
