@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <climits>
 
+#include "automation/AutomationError.hpp"
+#include "refhost/RefHost.hpp"
+
 namespace TessarkAO::Cli {
 
 Arguments::Arguments(const std::vector<std::string>& args, std::vector<std::string_view> valueOptions,
@@ -60,6 +63,14 @@ std::string ExecutableDir() {
   std::string path(buf, static_cast<std::size_t>(n));
   const std::size_t slash = path.rfind('/');
   return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
+Ref<Object> LoadSceneOrFail(const std::string& path) {
+  try {
+    return RefHost::LoadScene(path);
+  } catch (const AutomationError& e) {
+    throw CommandError("cannot load the scene: " + e.Description());
+  }
 }
 
 }  // namespace TessarkAO::Cli

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "automation/Object.hpp"
+
 namespace TessarkAO::Cli {
 
 // A mistake in how the command was called: reported as one line, exit 2.
@@ -50,5 +52,9 @@ class Arguments {
 
 // The folder the running executable lives in.
 std::string ExecutableDir();
+
+// The reference-host application of a scene file; a file that cannot be
+// loaded is a CommandError naming why.
+Ref<Object> LoadSceneOrFail(const std::string& path);
 
 }  // namespace TessarkAO::Cli

@@ -17,12 +17,7 @@ int TreeCommand(const std::vector<std::string>& raw) {
   const Arguments args(raw, {"--page"});
   if (args.Positionals().size() != 1) throw UsageError("one scene file is needed");
   const InputFile scene(args.Positionals().front(), ".json");
-  Ref<Object> app;
-  try {
-    app = RefHost::LoadScene(scene.Path());
-  } catch (const AutomationError& e) {
-    throw CommandError("cannot load the scene: " + e.Description());
-  }
+  const Ref<Object> app = LoadSceneOrFail(scene.Path());
   const Variant application(app);
   const std::string wanted = args.Value("--page");
   std::string text;

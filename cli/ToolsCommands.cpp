@@ -94,12 +94,7 @@ int ImportBSplineCommand(const std::vector<std::string>& raw) {
 
   const InputFile sceneFile(args.Value("--scene"), ".json");
   const InputFile pointsFile(args.Positionals().front(), ".txt");
-  Ref<Object> app;
-  try {
-    app = RefHost::LoadScene(sceneFile.Path());
-  } catch (const AutomationError& e) {
-    throw CommandError("cannot load the scene: " + e.Description());
-  }
+  const Ref<Object> app = LoadSceneOrFail(sceneFile.Path());
   const Variant page = Variant(app).Get("ActivePage");
   SelectOnlyShapeNamed(page, args.Value("--select"));
 

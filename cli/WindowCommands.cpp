@@ -16,14 +16,6 @@ namespace TessarkAO::Cli {
 
 namespace {
 
-Ref<Object> LoadSceneOrFail(const std::string& path) {
-  try {
-    return RefHost::LoadScene(path);
-  } catch (const AutomationError& e) {
-    throw CommandError("cannot load the scene: " + e.Description());
-  }
-}
-
 Variant PageNamed(const Ref<Object>& app, const std::string& name) {
   const Variant application(app);
   if (name.empty()) return application.Get("ActivePage");

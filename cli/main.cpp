@@ -28,36 +28,6 @@ namespace {
 
 using namespace TessarkAO::Cli;
 
-// `text` as valid UTF-8 for the terminal: a byte that does not start a
-// well-formed sequence (a description may quote bytes of a file it could not
-// read, or hold a lone surrogate) is shown as U+FFFD.
-std::string ValidText(std::string_view text) {
-  std::string out;
-  for (std::size_t i = 0; i < text.size();) {
-    const auto c = static_cast<unsigned char>(text[i]);
-    const std::size_t n = c < 0x80                ? 1
-                          : c >= 0xC2 && c < 0xE0 ? 2
-                          : c >= 0xE0 && c < 0xF0 ? 3
-                          : c >= 0xF0 && c < 0xF5 ? 4
-                                                  : 0;
-    bool ok = n > 0 && i + n <= text.size();
-    for (std::size_t k = 1; ok && k < n; ++k) ok = (static_cast<unsigned char>(text[i + k]) & 0xC0) == 0x80;
-    if (ok && n >= 3) {
-      const auto d = static_cast<unsigned char>(text[i + 1]);
-      ok = !(c == 0xE0 && d < 0xA0) && !(c == 0xED && d >= 0xA0) && !(c == 0xF0 && d < 0x90) &&
-           !(c == 0xF4 && d >= 0x90);
-    }
-    if (ok) {
-      out.append(text.substr(i, n));
-      i += n;
-    } else {
-      out += "\xEF\xBF\xBD";
-      ++i;
-    }
-  }
-  return out;
-}
-
 const Command kCommands[] = {
     {"run", "run a Python script with the library and a reference-host scene", kUsage_run, &RunScript},
     {"tree", "print the scene viewer's tree of a scene file", kUsage_tree, &TreeRun},
@@ -123,11 +93,11 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "tktools %s: %s (see tktools %s --help)\n", name.c_str(), e.what(), name.c_str());
     return 2;
   } catch (const CommandError& e) {
-    std::fprintf(stderr, "tktools %s: %s\n", name.c_str(), ValidText(e.what()).c_str());
+    std::fprintf(stderr, "tktools %s: %s\n", name.c_str(), TessarkAO::ValidUtf8(e.what()).c_str());
     return 1;
   } catch (...) {
     const TessarkAO::AutomationError e = TessarkAO::CurrentError();
-    std::fprintf(stderr, "tktools %s: %s (error %d)\n", name.c_str(), ValidText(e.Description()).c_str(),
+    std::fprintf(stderr, "tktools %s: %s (error %d)\n", name.c_str(), TessarkAO::ValidUtf8(e.Description()).c_str(),
                  static_cast<int>(e.Number()));
     return 1;
   }
